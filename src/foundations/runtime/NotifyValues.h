@@ -1,0 +1,41 @@
+// Old values for reactors: a mutator puts an anchor on the stack around its publish, and a reactor
+// further down the call asks for the value the attribute had before this change.
+#pragma once
+
+#include <typeinfo>
+
+#include "foundations/runtime/Publisher.h"
+
+namespace Zel::Impl {
+
+class NotifyValuesAnchor {
+ public:
+  NotifyValuesAnchor(void const* object, AttrId attributeId, void const* newValue, void const* oldValue,
+                     std::type_info const& typeIndex) noexcept;
+  ~NotifyValuesAnchor();
+  NotifyValuesAnchor(NotifyValuesAnchor const&) = delete;
+  NotifyValuesAnchor& operator=(NotifyValuesAnchor const&) = delete;
+
+  void const* object;
+  AttrId attributeId;
+  void const* newValue;
+  void const* oldValue;  // null when the key is new
+  std::type_info const* typeIndex;
+  NotifyValuesAnchor* outer;
+};
+
+// The innermost anchor for this object and attribute, or null when no such mutator is running.
+NotifyValuesAnchor const* getNotifyValues(void const* object, AttrId attributeId, std::type_info const& typeIndex);
+
+}  // namespace Zel::Impl
+
+namespace Zel {
+
+// Typed form: the value before the change in progress, or null (no such change, or a new key).
+template <class T>
+T const* notifyOldValue(void const* object, AttrId attributeId) {
+  auto const* a = Impl::getNotifyValues(object, attributeId, typeid(T));
+  return a ? static_cast<T const*>(a->oldValue) : nullptr;
+}
+
+}  // namespace Zel

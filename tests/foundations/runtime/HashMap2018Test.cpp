@@ -1,0 +1,154 @@
+#include "foundations/runtime/HashMap2018.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "foundations/runtime/MapConformance.h"
+#include "foundations/runtime/String.h"
+
+namespace {
+
+using MapConformance::Tracked;
+
+// Every key hashes alike: the map is one sorted chain, ordered by Less alone.
+struct ConstantHash {
+  std::uint32_t operator()(int, std::uint32_t) const { return 0x5a5a5a5au; }
+};
+// Runs of eight keys share a hash, so ties of the hash meet in every bucket.
+struct CoarseHash {
+  std::uint32_t operator()(int k, std::uint32_t seed) const { return Zel::hashOf(k / 8, seed); }
+};
+
+using Map = Zel::HashMap2018<int, Tracked>;
+using Set = Zel::HashMap2018<int>;
+
+using HashMaps = ::testing::Types<Map, Set, Zel::HashMap2018<int, Tracked, CoarseHash>,
+                                  Zel::HashMap2018<int, void, ConstantHash>>;
+INSTANTIATE_TYPED_TEST_SUITE_P(HashMap2018, MapConformanceTest, HashMaps);
+
+template <class M>
+std::vector<typename M::KeyType> keysOf(M const& m) {
+  std::vector<typename M::KeyType> keys;
+  for (auto const& e : m) keys.push_back(e.key());
+  return keys;
+}
+
+TEST(HashMap2018, OrderDependsOnAttributeConstantOnly) {
+  Set a(1);
+  Set b(2);
+  Set a2(1);
+  for (int k = 0; k < 1000; ++k) {
+    a.insert(k);
+    b.insert(k);
+    a2.insert(999 - k);
+  }
+  EXPECT_NE(keysOf(a), keysOf(b)) << "two attributes keyed alike walk in unrelated orders";
+  EXPECT_EQ(keysOf(a), keysOf(a2)) << "the same constant gives the same order, whatever the insertion order";
+  EXPECT_EQ(a.seed(), Zel::HashHelper::hashSeed32() ^ 1u);
+
+  // orderLess is the walk order: a strict order that sorts the walk.
+  std::vector<int> walked = keysOf(a);
+  EXPECT_TRUE(std::is_sorted(walked.begin(), walked.end(), [&a](int x, int y) { return a.orderLess(x, y); }));
+  for (std::size_t i = 1; i < walked.size(); ++i) {
+    EXPECT_TRUE(a.orderLess(walked[i - 1], walked[i]));
+    EXPECT_FALSE(a.orderLess(walked[i], walked[i - 1]));
+  }
+  EXPECT_FALSE(a.orderLess(5, 5));
+}
+
+TEST(HashMap2018, OrderDoesNotDependOnTableSizeOrHistory) {
+  Set small;
+  Set big;
+  for (int k = 0; k < 100; ++k) small.insert(k);
+  for (int k = 100000; k < 140000; ++k) big.insert(k);
+  for (int k = 99; k >= 0; --k) big.insert(k);
+  for (int k = 100000; k < 140000; ++k) big.erase(k);
+  EXPECT_GT(big.bucketCount(), 64 * small.bucketCount());
+  EXPECT_EQ(keysOf(small), keysOf(big));
+}
+
+TEST(HashMap2018, CollidingHashesOrderByLess) {
+  Zel::HashMap2018<int, int, ConstantHash> up;
+  Zel::HashMap2018<int, int, ConstantHash, std::greater<int>> down;
+  for (int k : {5, 1, 9, 3, 7}) {
+    up.tryEmplace(k, k);
+    down.tryEmplace(k, k);
+  }
+  EXPECT_EQ(keysOf(up), (std::vector<int>{1, 3, 5, 7, 9}));
+  EXPECT_EQ(keysOf(down), (std::vector<int>{9, 7, 5, 3, 1}));
+  EXPECT_EQ(*up.find(7), 7);
+  EXPECT_EQ(up.find(4), nullptr);
+  EXPECT_TRUE(up.erase(5));
+  EXPECT_FALSE(up.erase(5));
+  EXPECT_EQ(keysOf(up), (std::vector<int>{1, 3, 7, 9}));
+  EXPECT_EQ(up.iteratorAfter(3).key(), 7);
+}
+
+TEST(HashMap2018, MemoryIsNodesAndBucketsOnly) {
+  Map m;
+  EXPECT_EQ(m.bytesAllocated(), 0u) << "an empty map allocates nothing";
+  EXPECT_EQ(m.bucketCount(), 0u);
+  EXPECT_FALSE(m.contains(1));
+  EXPECT_TRUE(m.iteratorAt(1).done());
+  m.eraseFrom(1);
+  EXPECT_FALSE(m.erase(1));
+
+  for (int k = 0; k < 1000; ++k) m.tryEmplace(k, k);
+  EXPECT_EQ(m.bucketCount(), 1024u) << "the table doubles at a load factor of 1";
+  std::size_t bytes = m.bytesAllocated();
+  EXPECT_GE(bytes, 1000 * (sizeof(void*) + sizeof(std::uint32_t) + sizeof(int) + sizeof(Tracked)) + 1024 * 8);
+  EXPECT_LE(bytes, 1000 * 32 + 1024 * 8);
+  m.clear();
+  EXPECT_EQ(m.bytesAllocated(), 0u);
+  EXPECT_EQ(Tracked::live, 0);
+}
+
+TEST(HashMap2018, CopyIsDeepAndMoveLeavesSourceEmpty) {
+  // Refcounted keys: the copy, the iterators' key copies and the nodes all share text blocks.
+  Zel::HashMap2018<Zel::String, std::string> m(7);
+  for (int k = 0; k < 200; ++k) m.tryEmplace(std::to_string(k), "v" + std::to_string(k));
+  auto copy = m;
+  EXPECT_EQ(keysOf(copy), keysOf(m));
+  *m.find("5") = "changed";
+  m.erase("6");
+  EXPECT_EQ(*copy.find("5"), "v5");
+  EXPECT_TRUE(copy.contains("6"));
+
+  std::string* at9 = m.find("9");
+  auto moved = std::move(m);
+  EXPECT_EQ(moved.find("9"), at9);
+  EXPECT_TRUE(m.empty());  // NOLINT(bugprone-use-after-move): a moved-from map is empty and usable
+  m.tryEmplace("x", "y");
+  EXPECT_EQ(m.size(), 1u);
+  copy = moved;
+  EXPECT_EQ(*copy.find("5"), "changed");
+  EXPECT_EQ(copy.size(), 199u);
+}
+
+TEST(HashMap2018, MoveOnlyValuesAndMergeAcrossSeeds) {
+  Zel::HashMap2018<int, std::unique_ptr<int>> a(1);
+  Zel::HashMap2018<int, std::unique_ptr<int>> b(2);
+  for (int k = 0; k < 50; ++k) b.tryEmplace(k, std::make_unique<int>(k));
+  a.tryEmplace(3, std::make_unique<int>(300));
+  int* deep = b.find(20)->get();
+
+  // Different seeds: the nodes are re-hashed into a's order, no value is copied.
+  a.updateG(std::move(b));
+  EXPECT_TRUE(b.empty());
+  EXPECT_EQ(a.size(), 50u);
+  EXPECT_EQ(**a.find(3), 300);
+  EXPECT_EQ(a.find(20)->get(), deep);
+  std::vector<int> walked = keysOf(a);
+  EXPECT_TRUE(std::is_sorted(walked.begin(), walked.end(), [&a](int x, int y) { return a.orderLess(x, y); }));
+  for (int k : walked) EXPECT_TRUE(a.iteratorAt(k).key() == k && a.contains(k));
+
+  std::optional<std::unique_ptr<int>> out = a.extract(20);
+  ASSERT_TRUE(out.has_value());
+  EXPECT_EQ(out->get(), deep);
+}
+
+}  // namespace

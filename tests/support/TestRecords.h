@@ -57,7 +57,10 @@ class WatchSm : public Zel::StateMachine<WatchSm> {
                   (itemSmHas(key) ? " nested" : " no-nested"));
     if (onItem) onItem(key);
   }
-  void handleItemSecond(int const& key) { log.push_back("second " + std::to_string(key)); }
+  void handleItemSecond(int const& key) {
+    log.push_back("second " + std::to_string(key));
+    if (onSecond) onSecond(key);
+  }
   void handleItemValue(int key) {
     log.push_back("value " + std::to_string(key) + "=" + std::to_string(record()->item(key)->value()));
   }
@@ -73,6 +76,7 @@ class WatchSm : public Zel::StateMachine<WatchSm> {
 
   std::vector<std::string> log;
   std::function<void(int)> onItem;
+  std::function<void(int)> onSecond;
 
  protected:
   friend struct Zel::Factory;
@@ -80,6 +84,19 @@ class WatchSm : public Zel::StateMachine<WatchSm> {
     recordIs(std::move(r));
     if (record()) handleInitialized();
   }
+  // As an owned element of a collection keyed by int.
+  WatchSm(int const&, Quill::Ptr<Record const> r) : WatchSm(std::move(r)) {}
+};
+
+// Owns watchers by key, as a container owns its machines.
+class WatchHolder : public Zel::Entity {
+ public:
+  static Quill::Ptr<WatchHolder> WatchHolderIs() { return Zel::make<WatchHolder>(); }
+  ZEL_OWNED_MAP(int, WatchSm, watcher, 130)
+
+ protected:
+  friend struct Zel::Factory;
+  WatchHolder() = default;
 };
 
 // A backlog of keys worked off by a task, as the route machines do.

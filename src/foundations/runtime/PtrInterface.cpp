@@ -36,6 +36,14 @@ PtrInterface::~PtrInterface() {
 }
 
 void PtrInterface::handleZeroRef() const noexcept {
+  // Teardown: notification off, then the zombie walk, then the members go in reverse order of
+  // declaration with the destructor. The count is held at one meanwhile, so that a strong
+  // reference taken and dropped during these steps does not start a second teardown.
+  auto* self = const_cast<PtrInterface*>(this);  // the last reference is gone: nobody else reads it
+  ++word_;
+  if (hasNotificationActive()) self->hasNotificationActiveIs(false);
+  if (!zelMarkedForDeletion()) self->zelDoZombieReactors(true);
+  --word_;
   std::type_info const* outer = deletingType;
   deletingType = &typeid(*this);
   delete this;

@@ -58,11 +58,15 @@ std::uint32_t Publisher::subscriberCount() const noexcept {
 void Publisher::publishSlow(Zel::AttrId attributeId, void const* key) const {
   Cursor cursor{head_, cursors_};
   cursors_ = &cursor;
+  struct Pop {  // also when a reactor throws: the cursor lives on this frame
+    Publisher const* p;
+    Cursor* c;
+    ~Pop() { p->cursors_ = c->outer; }
+  } pop{this, &cursor};
   while (Subscriber* s = cursor.next) {
     cursor.next = s->next_;
     if (s->dispatch) s->dispatch(*s, attributeId, key);
   }
-  cursors_ = cursor.outer;
 }
 
 }  // namespace Quill

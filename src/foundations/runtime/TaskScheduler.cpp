@@ -40,7 +40,15 @@ bool TaskScheduler::runOnce() {
   q->second.pop_front();
   --scheduledCount_;
   task->scheduled_ = false;
-  Task* outer = current_;
+  struct Running {  // restored also when a body throws
+    TaskScheduler* s;
+    Task* task;
+    Task* outer;
+    ~Running() {
+      task->running_ = false;
+      s->current_ = outer;
+    }
+  } running{this, task.get(), current_};
   current_ = task.get();
   task->running_ = true;
   asks_ = 0;
@@ -48,8 +56,6 @@ bool TaskScheduler::runOnce() {
   ++task->runs_;
   ++runs_;
   task->publish(Task::runId);
-  task->running_ = false;
-  current_ = outer;
   return true;
 }
 

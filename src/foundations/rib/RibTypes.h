@@ -1,0 +1,163 @@
+// The small identifiers and values that every RIB table and its users share: VRF ids, route
+// metrics and metric-preference pairs, FIB route types, routing protocols, transports and table
+// ids. Plain, trivially copyable values; they own nothing and write nothing.
+#pragma once
+
+#include <compare>
+#include <cstdint>
+#include <optional>
+#include <ostream>
+#include <string>
+#include <string_view>
+
+#include <fmt/ostream.h>
+
+#include "foundations/types/AddressFamily.h"
+
+namespace Vrf::VrfIdMap {
+
+// The id of a VRF. Values that fit in 24 bits are usable; 0 is the default VRF and 0xffffff
+// means no VRF. A default-constructed id is 0, like the plain number it stands for.
+class VrfId {
+ public:
+  static constexpr std::uint32_t kDefault = 0;
+  static constexpr std::uint32_t kNone = 0xffffff;
+
+  constexpr VrfId() noexcept = default;
+  constexpr VrfId(std::uint32_t value) noexcept : value_(value) {}  // NOLINT: an id is its number
+
+  [[nodiscard]] static constexpr VrfId defaultVrf() noexcept { return VrfId(kDefault); }
+  [[nodiscard]] static constexpr VrfId none() noexcept { return VrfId(kNone); }
+
+  [[nodiscard]] constexpr std::uint32_t value() const noexcept { return value_; }
+  [[nodiscard]] constexpr bool isNone() const noexcept { return value_ == kNone; }
+  [[nodiscard]] constexpr bool isDefault() const noexcept { return value_ == kDefault; }
+
+  // The bare decimal number that valueToStrep prints.
+  [[nodiscard]] static std::optional<VrfId> fromStrep(std::string_view text);
+
+  [[nodiscard]] std::uint32_t hash(std::uint32_t seed) const noexcept;
+  [[nodiscard]] static constexpr bool isEq(VrfId a, VrfId b) noexcept { return a == b; }
+  friend constexpr bool operator==(VrfId a, VrfId b) noexcept = default;
+  friend constexpr std::strong_ordering operator<=>(VrfId a, VrfId b) noexcept = default;
+  friend std::ostream& operator<<(std::ostream& os, VrfId v) { return os << v.value_; }
+
+ private:
+  std::uint32_t value_ = kDefault;
+};
+
+[[nodiscard]] std::string valueToStrep(VrfId v);
+
+}  // namespace Vrf::VrfIdMap
+
+namespace Routing {
+
+// A route or via metric: smaller is better.
+using RouteMetric = std::uint32_t;
+
+namespace Fib {
+// The FIB's kind of route, carried through to the RIB.
+using RouteType = std::uint8_t;
+}  // namespace Fib
+
+// A metric with the preference it goes with, written as the pair metric, preference. The default
+// is all ones in both: the worst metric at the worst preference.
+class MetricPref {
+ public:
+  static constexpr RouteMetric kNoMetric = 0xffffffff;
+  static constexpr std::uint8_t kNoPreference = 0xff;
+
+  constexpr MetricPref() noexcept = default;
+  constexpr MetricPref(RouteMetric metric, std::uint8_t preference) noexcept
+      : metric_(metric), preference_(preference) {}
+
+  [[nodiscard]] constexpr RouteMetric metric() const noexcept { return metric_; }
+  [[nodiscard]] constexpr std::uint8_t preference() const noexcept { return preference_; }
+  constexpr void metricIs(RouteMetric metric) noexcept { metric_ = metric; }
+  constexpr void preferenceIs(std::uint8_t preference) noexcept { preference_ = preference; }
+
+  [[nodiscard]] std::uint32_t hash(std::uint32_t seed) const noexcept;
+  friend constexpr bool operator==(MetricPref a, MetricPref b) noexcept = default;
+  // "(metric, preference)".
+  friend std::ostream& operator<<(std::ostream& os, MetricPref m);
+
+ private:
+  RouteMetric metric_ = kNoMetric;
+  std::uint8_t preference_ = kNoPreference;
+};
+
+}  // namespace Routing
+
+namespace Routing::Rib {
+
+// The identity of a via or a via set, handed out by an id allocator.
+using Id = std::uint64_t;
+
+// The routing protocol a RIB entry belongs to, 16 bits. 2 is the static configuration and 4 the
+// injected routes of route input; the RIB names the others and they are carried as numbers.
+class RoutingProtocol {
+ public:
+  constexpr RoutingProtocol() noexcept = default;
+  constexpr RoutingProtocol(std::uint16_t value) noexcept : value_(value) {}  // NOLINT: a number
+
+  [[nodiscard]] static constexpr RoutingProtocol staticConfig() noexcept { return RoutingProtocol(2); }
+  [[nodiscard]] static constexpr RoutingProtocol routeInput() noexcept { return RoutingProtocol(4); }
+
+  [[nodiscard]] constexpr std::uint16_t value() const noexcept { return value_; }
+  // "staticConfig", "routeInput", or the decimal number of any other protocol.
+  [[nodiscard]] std::string toStrep() const;
+  [[nodiscard]] static std::optional<RoutingProtocol> fromStrep(std::string_view text);
+
+  [[nodiscard]] std::uint32_t hash(std::uint32_t seed) const noexcept;
+  friend constexpr bool operator==(RoutingProtocol a, RoutingProtocol b) noexcept = default;
+  friend constexpr std::strong_ordering operator<=>(RoutingProtocol a, RoutingProtocol b) noexcept = default;
+  friend std::ostream& operator<<(std::ostream& os, RoutingProtocol p) { return os << p.toStrep(); }
+
+ private:
+  std::uint16_t value_ = 0;
+};
+
+// What a via runs over, 8 bits: 1 IPv4, 2 IPv6, 3 EVPN.
+class Transport {
+ public:
+  constexpr Transport() noexcept = default;
+  constexpr Transport(std::uint8_t value) noexcept : value_(value) {}  // NOLINT: a number
+
+  [[nodiscard]] static constexpr Transport transportIpv4() noexcept { return Transport(1); }
+  [[nodiscard]] static constexpr Transport transportIpv6() noexcept { return Transport(2); }
+  [[nodiscard]] static constexpr Transport transportEvpn() noexcept { return Transport(3); }
+  // The IP transport of an address family; 0 for no family.
+  [[nodiscard]] static constexpr Transport fromAf(Ondex::AddressFamily af) noexcept {
+    return af.isV4() ? transportIpv4() : af.isV6() ? transportIpv6() : Transport();
+  }
+  // The address family of an IP transport; the unset family (0) for any other, EVPN included.
+  [[nodiscard]] static constexpr Ondex::AddressFamily getAfFromTransport(Transport t) noexcept {
+    return t == transportIpv4() ? Ondex::AddressFamily::ipv4
+           : t == transportIpv6() ? Ondex::AddressFamily::ipv6
+                                  : Ondex::AddressFamily::unset;
+  }
+
+  [[nodiscard]] constexpr std::uint8_t value() const noexcept { return value_; }
+  // "ipv4", "ipv6", "evpn", or the decimal number of any other transport.
+  [[nodiscard]] std::string toStrep() const;
+  [[nodiscard]] static std::optional<Transport> fromStrep(std::string_view text);
+
+  [[nodiscard]] std::uint32_t hash(std::uint32_t seed) const noexcept;
+  friend constexpr bool operator==(Transport a, Transport b) noexcept = default;
+  friend constexpr std::strong_ordering operator<=>(Transport a, Transport b) noexcept = default;
+  friend std::ostream& operator<<(std::ostream& os, Transport t) { return os << t.toStrep(); }
+
+ private:
+  std::uint8_t value_ = 0;
+};
+
+}  // namespace Routing::Rib
+
+template <>
+struct fmt::formatter<Vrf::VrfIdMap::VrfId> : fmt::ostream_formatter {};
+template <>
+struct fmt::formatter<Routing::MetricPref> : fmt::ostream_formatter {};
+template <>
+struct fmt::formatter<Routing::Rib::RoutingProtocol> : fmt::ostream_formatter {};
+template <>
+struct fmt::formatter<Routing::Rib::Transport> : fmt::ostream_formatter {};

@@ -1,0 +1,67 @@
+// The resolution profile of a via: at most three methods in order, compared and hashed as a whole,
+// the way a route's per-via collection and the via table's deduplication use it.
+#include "foundations/rib/ResolutionRibProfileConfig.h"
+
+#include <gtest/gtest.h>
+
+#include <fmt/format.h>
+
+#include "foundations/runtime/Exception.h"
+
+namespace {
+
+using Routing::Rib::ResolutionMethod;
+using Routing::Rib::ResolutionRibProfileConfig;
+using Routing::Rib::ResolutionRibType;
+
+ResolutionRibProfileConfig tunnelFirst() {
+  ResolutionRibProfileConfig p;
+  p.methodAppend(ResolutionMethod::tunnelRib("system-colored-tunnel-rib"));
+  p.methodAppend(ResolutionMethod::tunnelRib("system-tunnel-rib"));
+  return p;
+}
+
+TEST(ResolutionRibProfileConfigTest, MethodsKeepTheirOrderAndAtMostThree) {
+  ResolutionRibProfileConfig p = tunnelFirst();
+  EXPECT_EQ(p.methodCount(), 2u);
+  EXPECT_EQ(p.method(0).tunnelRibName(), Quill::String("system-colored-tunnel-rib"));
+  EXPECT_EQ(p.method(1).type(), ResolutionRibType::tunnelRib);
+  EXPECT_EQ(p.method(2), ResolutionMethod()) << "an unused slot reads as the empty method";
+  EXPECT_EQ(fmt::format("{}", p), "[tunnel-rib system-colored-tunnel-rib, tunnel-rib system-tunnel-rib]");
+
+  p.methodAppend(ResolutionMethod::systemConnected());
+  EXPECT_EQ(p.methodCount(), 3u);
+  EXPECT_THROW(p.methodAppend(ResolutionMethod::systemUnicastRib()), Zel::RangeException);
+  EXPECT_THROW(p.methodIs(3, ResolutionMethod::systemUnicastRib()), Zel::RangeException);
+  EXPECT_THROW((void)p.method(3), Zel::RangeException);
+  EXPECT_EQ(p.methodCount(), 3u) << "a failed write leaves the profile as it was";
+
+  p.methodDelAll();
+  EXPECT_TRUE(p.empty());
+  EXPECT_EQ(p, ResolutionRibProfileConfig());
+  EXPECT_EQ(fmt::format("{}", p), "[]");
+}
+
+TEST(ResolutionRibProfileConfigTest, EqualityAndHashCoverEveryMethodField) {
+  ResolutionRibProfileConfig a = tunnelFirst();
+  ResolutionRibProfileConfig b = tunnelFirst();
+  EXPECT_EQ(a, b);
+  EXPECT_EQ(a.hash(11), b.hash(11));
+
+  ResolutionRibProfileConfig swapped;
+  swapped.methodAppend(ResolutionMethod::tunnelRib("system-tunnel-rib"));
+  swapped.methodAppend(ResolutionMethod::tunnelRib("system-colored-tunnel-rib"));
+  EXPECT_NE(a, swapped) << "the order of methods is the order of resolution";
+
+  b.methodIs(1, ResolutionMethod::tunnelRib("system-tunnel-rib", 7));
+  EXPECT_NE(a, b) << "a looked-up id makes another profile";
+  EXPECT_NE(a.hash(11), b.hash(11));
+  EXPECT_EQ(fmt::format("{}", b.method(1)), "tunnel-rib system-tunnel-rib#7");
+
+  ResolutionRibProfileConfig one;
+  one.methodIs(1, ResolutionMethod::systemUnicastRib());
+  EXPECT_EQ(one.methodCount(), 2u) << "writing past the end extends over an empty method";
+  EXPECT_EQ(one.method(0).type(), ResolutionRibType::none);
+}
+
+}  // namespace

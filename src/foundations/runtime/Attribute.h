@@ -114,7 +114,13 @@ class SetAttr {
 
   [[nodiscard]] bool has(K const& k) const { return map_.contains(k); }
   bool set(Entity const& owner, AttrId id, K const& k) {
+    return set(owner, id, k, [](K const&) {});
+  }
+  // Insert, run the side effect, publish: the side effect runs even while nobody observes.
+  template <class SideEffect>
+  bool set(Entity const& owner, AttrId id, K const& k, SideEffect&& sideEffect) {
     if (!map_.insert(k)) return false;
+    sideEffect(k);
     Impl::publishWithOld<K>(owner, id, &k, &k, nullptr);
     return true;
   }
@@ -319,6 +325,21 @@ class OwnedAttr {
   ZEL_COLL_COMMON_(name, id)                                                   \
   [[nodiscard]] bool name##Has(Key const& k) const { return name##_.has(k); }  \
   bool name##Is(Key const& k) { return name##_.set(*this, name##Id, k); }      \
+  bool name##Del(Key const& k) { return name##_.del(*this, name##Id, k); }     \
+                                                                               \
+ private:                                                                      \
+  ::Zel::SetAttr<Key, ZEL_SALT(id)> name##_;                                   \
+                                                                               \
+ public:
+
+// A set whose insertion runs `handler(key)` of the class between storing and publishing.
+#define ZEL_SET_WITH_HANDLER(Key, name, id, handler)                           \
+ public:                                                                       \
+  ZEL_COLL_COMMON_(name, id)                                                   \
+  [[nodiscard]] bool name##Has(Key const& k) const { return name##_.has(k); }  \
+  bool name##Is(Key const& k) {                                                \
+    return name##_.set(*this, name##Id, k, [this](Key const& key) { handler(key); }); \
+  }                                                                            \
   bool name##Del(Key const& k) { return name##_.del(*this, name##Id, k); }     \
                                                                                \
  private:                                                                      \

@@ -2,9 +2,12 @@
 // further down the call asks for the value the attribute had before this change.
 #pragma once
 
+#include <cstdint>
 #include <typeinfo>
 
-#include "foundations/runtime/Publisher.h"
+namespace Zel {
+using AttrId = std::uint16_t;
+}
 
 namespace Zel::Impl {
 

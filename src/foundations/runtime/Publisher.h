@@ -57,6 +57,11 @@ class Publisher {
   void publishChange(Zel::AttrId attributeId, void const* key = nullptr) const {
     if (head_) publishSlow(attributeId, key);
   }
+  // The mutator's form: `previous` is the value before the change (null for a new key; for a set
+  // that lost a key, that key), reachable from the reactors through Zel::notifyOldValue.
+  template <class V>
+  void publishChangeRecursive(Zel::AttrId attributeId, void const* key, V const* previous, void const* object,
+                              V const* current = nullptr) const;
 
  private:
   struct Cursor {
@@ -71,3 +76,40 @@ class Publisher {
 };
 
 }  // namespace Quill
+
+#include "foundations/runtime/NotifyValues.h"
+
+namespace Quill {
+template <class V>
+void Publisher::publishChangeRecursive(Zel::AttrId attributeId, void const* key, V const* previous,
+                                       void const* object, V const* current) const {
+  Zel::Impl::NotifyValuesAnchor anchor(object, attributeId, current, previous, typeid(V));
+  publishChange(attributeId, key);
+}
+}  // namespace Quill
+
+namespace ZelQuill {
+// Adds a subscription for one input by way of the owner's publisher.
+inline void subscribeTo(Quill::Subscriber* slot, Quill::DispatchFn dispatch, Quill::Publisher& publisher,
+                        void* owner) {
+  slot->dispatch = dispatch;
+  slot->owner = owner;
+  publisher.subscriberAdd(slot, false);
+}
+
+// Holds a subscription made during construction and removes it if an exception leaves the
+// constructor; release() keeps it.
+class SubscriberScopeGuard {
+ public:
+  explicit SubscriberScopeGuard(Quill::Subscriber* slot) noexcept : slot_(slot) {}
+  SubscriberScopeGuard(SubscriberScopeGuard const&) = delete;
+  SubscriberScopeGuard& operator=(SubscriberScopeGuard const&) = delete;
+  ~SubscriberScopeGuard() {
+    if (slot_ && slot_->subscribed()) slot_->publisher()->subscriberRemove(slot_);
+  }
+  void release() noexcept { slot_ = nullptr; }
+
+ private:
+  Quill::Subscriber* slot_;
+};
+}  // namespace ZelQuill

@@ -145,3 +145,29 @@ TEST_F(AttributeTest, TeardownReleasesEveryAllocation) {
 
 }  // namespace
 }  // namespace BowlineTest
+
+namespace BowlineTest {
+namespace {
+
+// A set whose insertion has a side effect that runs before the publish, observed or not.
+class ReadySet : public Zel::Entity {
+ public:
+  static Quill::Ptr<ReadySet> ReadySetIs() { return Zel::make<ReadySet>(); }
+  void onReady(int const& k) { effects.push_back(k * 10 + int(readyHas(k))); }
+  ZEL_SET_WITH_HANDLER(int, ready, 130, onReady)
+  std::vector<int> effects;
+
+ protected:
+  friend struct Zel::Factory;
+  ReadySet() = default;
+};
+
+TEST(AttributeSideEffectTest, HandlerRunsAfterInsertBeforePublish) {
+  auto s = ReadySet::ReadySetIs();
+  EXPECT_TRUE(s->readyIs(4));
+  EXPECT_FALSE(s->readyIs(4));
+  EXPECT_EQ(s->effects, (std::vector<int>{41})) << "once, with the member already in";
+}
+
+}  // namespace
+}  // namespace BowlineTest

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <array>
+#include <compare>
 #include <cstdint>
 #include <type_traits>
 #include <utility>
@@ -65,6 +66,10 @@ class BoundedArray {
   }
   friend bool operator==(BoundedArray const& a, BoundedArray const& b) {
     return std::equal(a.begin(), a.end(), b.begin(), b.end());
+  }
+  // Lexicographic over the used entries.
+  friend auto operator<=>(BoundedArray const& a, BoundedArray const& b) {
+    return std::lexicographical_compare_three_way(a.begin(), a.end(), b.begin(), b.end());
   }
 
  private:

@@ -5,6 +5,7 @@
 // and writes nothing; a fourth method raises the runtime's fixed-array range failure.
 #pragma once
 
+#include <compare>
 #include <cstdint>
 #include <ostream>
 #include <string>
@@ -43,6 +44,7 @@ class ResolutionMethod {
 
   [[nodiscard]] std::uint32_t hash(std::uint32_t seed) const noexcept;
   friend bool operator==(ResolutionMethod const& a, ResolutionMethod const& b) noexcept = default;
+  friend std::strong_ordering operator<=>(ResolutionMethod const& a, ResolutionMethod const& b) noexcept = default;
   // "system-unicast-rib", "system-connected", "tunnel-rib NAME" (with "#ID" once it has an id).
   friend std::ostream& operator<<(std::ostream& os, ResolutionMethod const& m);
 
@@ -74,6 +76,9 @@ class ResolutionRibProfileConfig {
     return a == b;
   }
   friend bool operator==(ResolutionRibProfileConfig const& a, ResolutionRibProfileConfig const& b) = default;
+  // Method by method: a total order for tables keyed by content.
+  friend std::strong_ordering operator<=>(ResolutionRibProfileConfig const& a,
+                                          ResolutionRibProfileConfig const& b) = default;
   // "[m1, m2]"; "[]" for the empty profile.
   friend std::ostream& operator<<(std::ostream& os, ResolutionRibProfileConfig const& p);
 

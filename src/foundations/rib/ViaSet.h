@@ -1,0 +1,93 @@
+// Routing::Rib::Skein::ViaSet: the unit the RIB consumes: an ordered list of at most 600 via keys
+// with a FEC type and flags, under the key the via-set table gave it (all zero while it is being
+// built). Its content, for deduplication, is everything but the key. A plain value that owns its
+// list (on the heap: a set of two vias does not carry 600 slots); it writes nothing. An index
+// outside 0..599 raises the range failure of Routing::Rib::Skein::ViaIndex.
+//
+// Iteration: begin()/end() walk the via keys [0, viaCount()) in index order; any write may move
+// the list, so no iterator survives a write.
+#pragma once
+
+#include <cstdint>
+#include <ostream>
+#include <vector>
+
+#include <fmt/ostream.h>
+
+#include "foundations/rib/ViaKey.h"
+#include "foundations/rib/ViaSetKey.h"
+
+namespace Routing::Rib::Skein {
+
+// A position in a via set, checked on construction.
+class ViaIndex {
+ public:
+  static constexpr std::uint32_t kMin = 0;
+  static constexpr std::uint32_t kMax = 599;
+
+  // Outside kMin..kMax raises Zel::RangeException ("Routing::Rib::Skein::ViaIndex::value <
+  // Routing::Rib::Skein::ViaIndex::min or > Routing::Rib::Skein::ViaIndex::max not allowed").
+  constexpr ViaIndex(std::uint32_t value) : value_(value) {  // NOLINT: an index is its number
+    if (value > kMax) throwOutOfRange();
+  }
+  [[nodiscard]] constexpr std::uint32_t value() const noexcept { return value_; }
+
+ private:
+  [[noreturn]] static void throwOutOfRange();
+  std::uint32_t value_;
+};
+
+class ViaSet {
+ public:
+  static constexpr std::uint32_t kMaxVias = ViaIndex::kMax + 1;
+  // Flag bits: an IPv4 route without next hop; an IPv6 one.
+  static constexpr std::uint8_t kFlagV4NoNextHop = 2;
+  static constexpr std::uint8_t kFlagV6NoNextHop = 4;
+
+  ViaSet() = default;
+  explicit ViaSet(ViaSetKey const& key) : viaSetKey_(key) {}
+
+  [[nodiscard]] ViaSetKey const& viaSetKey() const noexcept { return viaSetKey_; }
+  [[nodiscard]] std::uint8_t fecType() const noexcept { return fecType_; }
+  [[nodiscard]] std::uint8_t flags() const noexcept { return flags_; }
+  [[nodiscard]] std::uint32_t viaCount() const noexcept { return std::uint32_t(viaKey_.size()); }
+  // The key at index; the empty key past viaCount().
+  [[nodiscard]] ViaKey viaKey(ViaIndex index) const {
+    return index.value() < viaKey_.size() ? viaKey_[index.value()] : ViaKey();
+  }
+
+  void viaSetKeyIs(ViaSetKey const& key) noexcept { viaSetKey_ = key; }
+  void fecTypeIs(std::uint8_t t) noexcept { fecType_ = t; }
+  void flagsIs(std::uint8_t f) noexcept { flags_ = f; }
+  // Sets the entry at index and raises viaCount() to cover it; a gap holds empty keys.
+  void viaKeyIs(ViaIndex index, ViaKey const& key) {
+    if (index.value() >= viaKey_.size()) viaKey_.resize(index.value() + 1);
+    viaKey_[index.value()] = key;
+  }
+  void viaKeyDelAll() noexcept { viaKey_.clear(); }
+
+  [[nodiscard]] ViaKey const* begin() const noexcept { return viaKey_.data(); }
+  [[nodiscard]] ViaKey const* end() const noexcept { return viaKey_.data() + viaKey_.size(); }
+
+  // Equal content: FEC type, flags and the via keys in order; the set's own key is not compared.
+  [[nodiscard]] bool sameContent(ViaSet const& other) const noexcept {
+    return fecType_ == other.fecType_ && flags_ == other.flags_ && viaKey_ == other.viaKey_;
+  }
+  [[nodiscard]] std::uint32_t hash(std::uint32_t seed) const noexcept;
+  friend bool operator==(ViaSet const& a, ViaSet const& b) noexcept {
+    return a.viaSetKey_ == b.viaSetKey_ && a.sameContent(b);
+  }
+  // "ViaSet(key: fec 0 flags 0 [via, via])", for traces.
+  friend std::ostream& operator<<(std::ostream& os, ViaSet const& s);
+
+ private:
+  ViaSetKey viaSetKey_;
+  std::uint8_t fecType_ = 0;
+  std::uint8_t flags_ = 0;
+  std::vector<ViaKey> viaKey_;
+};
+
+}  // namespace Routing::Rib::Skein
+
+template <>
+struct fmt::formatter<Routing::Rib::Skein::ViaSet> : fmt::ostream_formatter {};

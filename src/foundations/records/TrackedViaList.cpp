@@ -1,0 +1,9 @@
+#include "foundations/records/TrackedViaList.h"
+
+namespace Routing {
+
+Quill::Ptr<TrackedViaList> TrackedViaList::TrackedViaListIs(RouteKey const& routeKey) {
+  return Zel::make<TrackedViaList>(routeKey);
+}
+
+}  // namespace Routing

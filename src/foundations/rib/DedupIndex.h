@@ -55,7 +55,8 @@ class DedupIndex {
   }
   // Forgets an entry. Its live handle, if any, is detached and its release will tell nobody.
   void erase(Content const& c, Key const& k) {
-    byContent_.erase(c);
+    // Two entries of one content (read from storage written elsewhere) share one content slot.
+    if (Key const* owner = byContent_.find(c); owner && *owner == k) byContent_.erase(c);
     if (auto live = holder_.extract(k)) (*live)->ownerDel();
     unheld_.erase(k);
   }

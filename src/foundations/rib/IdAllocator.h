@@ -5,6 +5,7 @@
 #pragma once
 
 #include "foundations/rib/RibTypes.h"
+#include "foundations/runtime/Exception.h"
 #include "foundations/runtime/Ptr.h"
 
 namespace Routing::Rib {
@@ -26,6 +27,15 @@ class IdAllocator : public Zel::PtrInterface {
   Id currentIdInc(Id n);
   // A fresh id: the current id plus one, or 1 once the current id has reached maxId().
   Id nextId();
+  // The next fresh id for which inUse(id) is false. Ends the process when every id is in use.
+  template <class InUse>
+  Id nextFreeId(InUse inUse) {
+    for (Id tries = 0;; ++tries) {
+      QUILL_ASSERT(tries <= maxId_, "Routing::Rib::IdAllocator: every id is in use");
+      Id const id = nextId();
+      if (!inUse(id)) return id;
+    }
+  }
 
  protected:
   friend struct Zel::Factory;

@@ -8,6 +8,7 @@
 // the list, so no iterator survives a write.
 #pragma once
 
+#include <compare>
 #include <cstdint>
 #include <ostream>
 #include <vector>
@@ -74,9 +75,9 @@ class ViaSet {
     return fecType_ == other.fecType_ && flags_ == other.flags_ && viaKey_ == other.viaKey_;
   }
   [[nodiscard]] std::uint32_t hash(std::uint32_t seed) const noexcept;
-  friend bool operator==(ViaSet const& a, ViaSet const& b) noexcept {
-    return a.viaSetKey_ == b.viaSetKey_ && a.sameContent(b);
-  }
+  friend bool operator==(ViaSet const& a, ViaSet const& b) noexcept = default;
+  // Field by field: a total order for tables keyed by content.
+  friend std::strong_ordering operator<=>(ViaSet const& a, ViaSet const& b) noexcept = default;
   // "ViaSet(key: fec 0 flags 0 [via, via])", for traces.
   friend std::ostream& operator<<(std::ostream& os, ViaSet const& s);
 

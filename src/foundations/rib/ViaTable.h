@@ -18,7 +18,6 @@
 #include "foundations/rib/IdAllocator.h"
 #include "foundations/rib/ViaKey.h"
 #include "foundations/runtime/Attribute.h"
-#include "foundations/runtime/Exception.h"
 #include "foundations/runtime/String.h"
 
 namespace Routing::Rib {
@@ -109,11 +108,10 @@ class ViaTable : public Zel::Entity, private DedupOwner<ViaKey> {
   }
   // The next id of the allocator that no via of this table has under `key`'s other parts.
   Id freshId(ViaKey key) {
-    for (Id tries = 0;; ++tries) {
-      QUILL_ASSERT(tries <= allocator_->maxId(), "Routing::Rib::ViaTable: no free via id left");
-      key.idIs(allocator_->nextId());
-      if (!via_.has(key)) return key.id();
-    }
+    return allocator_->nextFreeId([&](Id id) {
+      key.idIs(id);
+      return via_.has(key);
+    });
   }
 
   Zel::MapAttr<ViaKey, ViaT, ZEL_SALT(viaId)> via_;

@@ -62,6 +62,11 @@ class ScalarAttr {
   T v_{};
 };
 
+template <class V>
+struct IsPtr : std::false_type {};
+template <class T>
+struct IsPtr<Quill::Ptr<T>> : std::true_type {};
+
 // A keyed collection of plain values: x(key) (default value when absent), xHas, xIs(key, value).
 template <class K, class V, std::uint32_t Salt>
 class MapAttr {
@@ -75,6 +80,9 @@ class MapAttr {
   }
   [[nodiscard]] bool has(K const& k) const { return map_.contains(k); }
   bool set(Entity const& owner, AttrId id, K const& k, V v) {
+    if constexpr (IsPtr<V>::value) {
+      if (!v) return del(owner, id, k);  // a null handle removes the entry
+    }
     auto [p, inserted] = map_.tryEmplace(k, v);
     if (inserted) {
       Impl::publishWithOld<V>(owner, id, &k, p, nullptr);
@@ -306,6 +314,7 @@ class OwnedAttr {
   void name##DelAll() { name##_.delAll(*this, name##Id); }
 
 // Key to plain value: x(key) (the default value when absent), xHas, xIs(key, v), xDel(key).
+// Where the value is a Quill::Ptr, storing null removes the entry.
 #define ZEL_MAP(Key, Value, name, id)                                                        \
  public:                                                                                     \
   ZEL_COLL_COMMON_(name, id)                                                                 \

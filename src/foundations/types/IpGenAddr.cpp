@@ -54,7 +54,7 @@ std::optional<IpGenAddr> IpGenAddr::fromStrep(std::string_view text) {
 }
 
 std::uint32_t IpGenAddr::hash(std::uint32_t seed) const noexcept {
-  return Zel::HashBuilder(seed).add(word(0)).add(word(1) ^ af_.value()).value();
+  return Zel::HashBuilder(seed).add(word(0)).add(word(1) + af_.value() * 0x9e3779b97f4a7c15ULL).value();
 }
 
 std::strong_ordering operator<=>(IpGenAddr const& a, IpGenAddr const& b) noexcept {

@@ -1,0 +1,67 @@
+// Routing::Bgp::IgpResult: the result of redistributing one static route: its tag and at most
+// four communities, indexed by Routing::IgpRedistribute::CommunityIndex, whose range check raises
+// "Routing::IgpRedistribute::CommunityIndex::value < ...::min or > ...::max not allowed". A plain
+// value that the IGP result table deduplicates; it owns nothing and writes nothing.
+#pragma once
+
+#include <array>
+#include <compare>
+#include <cstdint>
+#include <ostream>
+
+#include <fmt/ostream.h>
+
+namespace Routing::IgpRedistribute {
+
+class CommunityIndex {
+ public:
+  static constexpr std::uint32_t kMin = 0;
+  static constexpr std::uint32_t kMax = 3;
+
+  // Outside kMin..kMax raises Zel::RangeException with the range text of this type.
+  constexpr CommunityIndex(std::uint32_t value) : value_(value) {  // NOLINT: an index is its number
+    if (value > kMax) throwOutOfRange();
+  }
+  [[nodiscard]] constexpr std::uint32_t value() const noexcept { return value_; }
+
+ private:
+  [[noreturn]] static void throwOutOfRange();
+  std::uint32_t value_;
+};
+
+}  // namespace Routing::IgpRedistribute
+
+namespace Routing::Bgp {
+
+class IgpResult {
+ public:
+  static constexpr std::uint32_t kMaxCommunities = IgpRedistribute::CommunityIndex::kMax + 1;
+
+  IgpResult() = default;
+
+  [[nodiscard]] std::uint32_t tag() const noexcept { return tag_; }
+  void tagIs(std::uint32_t tag) noexcept { tag_ = tag; }
+  // The community at index; 0 past the used ones.
+  [[nodiscard]] std::uint32_t community(IgpRedistribute::CommunityIndex index) const noexcept {
+    return community_[index.value()];
+  }
+  // Sets the community at index and raises communityCount() to cover it.
+  void communityIs(IgpRedistribute::CommunityIndex index, std::uint32_t value) noexcept;
+  [[nodiscard]] std::uint32_t communityCount() const noexcept { return communityCount_; }
+
+  [[nodiscard]] std::uint32_t hash(std::uint32_t seed) const noexcept;
+  friend bool operator==(IgpResult const& a, IgpResult const& b) noexcept = default;
+  friend std::strong_ordering operator<=>(IgpResult const& a, IgpResult const& b) noexcept = default;
+  // "IgpResult(tag 5 communities [1, 2])".
+  friend std::ostream& operator<<(std::ostream& os, IgpResult const& r);
+
+ private:
+  std::uint32_t tag_ = 0;
+  std::uint32_t communityCount_ = 0;
+  std::array<std::uint32_t, kMaxCommunities> community_{};
+};
+
+}  // namespace Routing::Bgp
+
+template <>
+struct fmt::formatter<Routing::Bgp::IgpResult> : fmt::ostream_formatter {};

@@ -62,6 +62,26 @@ class ScalarAttr {
   T v_{};
 };
 
+// What every collection attribute has: its table, and xDelAll as a walk of xDel over the keys
+// (the walk survives reactors that delete other keys meanwhile).
+template <class Derived, class MapT>
+class CollAttrBase {
+ public:
+  using Map = MapT;
+  void delAll(Entity const& owner, AttrId id) {
+    for (auto it = map_.iterator(); it; it.advance()) {
+      auto const k = it.currNodeMaybeStale();
+      static_cast<Derived*>(this)->del(owner, id, k);
+    }
+  }
+  [[nodiscard]] Map const& map() const noexcept { return map_; }
+  [[nodiscard]] Map& map() noexcept { return map_; }
+
+ protected:
+  explicit CollAttrBase(Map&& m) : map_(std::move(m)) {}
+  Map map_;
+};
+
 template <class V>
 struct IsPtr : std::false_type {};
 template <class T>
@@ -69,10 +89,12 @@ struct IsPtr<Quill::Ptr<T>> : std::true_type {};
 
 // A keyed collection of plain values: x(key) (default value when absent), xHas, xIs(key, value).
 template <class K, class V, std::uint32_t Salt>
-class MapAttr {
+class MapAttr : public CollAttrBase<MapAttr<K, V, Salt>, HashMap2018<K, V>> {
+  using Base = CollAttrBase<MapAttr<K, V, Salt>, HashMap2018<K, V>>;
+  using Base::map_;
+
  public:
-  using Map = HashMap2018<K, V>;
-  MapAttr() : map_(Salt) {}
+  MapAttr() : Base(HashMap2018<K, V>(Salt)) {}
 
   [[nodiscard]] V get(K const& k) const {
     V const* p = map_.find(k);
@@ -100,25 +122,16 @@ class MapAttr {
     Impl::publishWithOld<V>(owner, id, &k, nullptr, &*old);
     return true;
   }
-  void delAll(Entity const& owner, AttrId id) {
-    for (auto it = map_.iterator(); it; it.advance()) {
-      K const k = it.currNodeMaybeStale();
-      del(owner, id, k);
-    }
-  }
-  [[nodiscard]] Map const& map() const noexcept { return map_; }
-  [[nodiscard]] Map& map() noexcept { return map_; }
-
- private:
-  Map map_;
 };
 
 // A keyed set: xHas, xIs(key), xDel(key). A delete carries the lost key as the old value.
 template <class K, std::uint32_t Salt>
-class SetAttr {
+class SetAttr : public CollAttrBase<SetAttr<K, Salt>, HashMap2018<K, void>> {
+  using Base = CollAttrBase<SetAttr<K, Salt>, HashMap2018<K, void>>;
+  using Base::map_;
+
  public:
-  using Map = HashMap2018<K, void>;
-  SetAttr() : map_(Salt) {}
+  SetAttr() : Base(HashMap2018<K, void>(Salt)) {}
 
   [[nodiscard]] bool has(K const& k) const { return map_.contains(k); }
   bool set(Entity const& owner, AttrId id, K const& k) {
@@ -137,17 +150,6 @@ class SetAttr {
     Impl::publishWithOld<K>(owner, id, &k, nullptr, &k);
     return true;
   }
-  void delAll(Entity const& owner, AttrId id) {
-    for (auto it = map_.iterator(); it; it.advance()) {
-      K const k = it.currNodeMaybeStale();
-      del(owner, id, k);
-    }
-  }
-  [[nodiscard]] Map const& map() const noexcept { return map_; }
-  [[nodiscard]] Map& map() noexcept { return map_; }
-
- private:
-  Map map_;
 };
 
 namespace Impl {
@@ -164,9 +166,11 @@ Quill::Ptr<T> makeOwned(Owner* owner, K const& k, A&&... args) {
 
 // A keyed collection of owned entities, over a hash map or an ordered tree.
 template <class K, class T, class MapT>
-class OwnedAttrBase {
+class OwnedAttrBase : public CollAttrBase<OwnedAttrBase<K, T, MapT>, MapT> {
+  using Base = CollAttrBase<OwnedAttrBase<K, T, MapT>, MapT>;
+  using Base::map_;
+
  public:
-  using Map = MapT;
   using Elem = Quill::Ptr<T>;
 
   [[nodiscard]] Elem get(K const& k) const {
@@ -203,20 +207,9 @@ class OwnedAttrBase {
     owner.publish(id, &k);
     return e;
   }
-  void delAll(Entity const& owner, AttrId id) {
-    for (auto it = map_.iterator(); it; it.advance()) {
-      K const k = it.currNodeMaybeStale();
-      del(owner, id, k);
-    }
-  }
-  [[nodiscard]] Map const& map() const noexcept { return map_; }
-  [[nodiscard]] Map& map() noexcept { return map_; }
 
  protected:
-  explicit OwnedAttrBase(Map&& m) : map_(std::move(m)) {}
-
- private:
-  Map map_;
+  explicit OwnedAttrBase(MapT&& m) : Base(std::move(m)) {}
 };
 
 template <class K, class T, std::uint32_t Salt>

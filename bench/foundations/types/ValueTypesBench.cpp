@@ -73,7 +73,9 @@ std::vector<std::string> const& intfNames() {
   static std::vector<std::string> const v = [] {
     std::vector<std::string> out;
     std::mt19937 rng(7);
-    for (std::size_t i = 0; i < kIntfs; ++i) out.push_back("Ethernet" + std::to_string(rng() % 64) + "/" + std::to_string(i));
+    for (std::size_t i = 0; i < kIntfs; ++i) {
+      out.push_back("Ethernet" + std::to_string(rng() % 64) + "/" + std::to_string(i));
+    }
     return out;
   }();
   return v;
@@ -229,7 +231,8 @@ class OursOverBase : public benchmark::ConsoleReporter {
       std::string name = r.benchmark_name();
       auto const cut = name.rfind('_');
       auto const it = r.counters.find("ns/item");
-      if (cut != std::string::npos && it != r.counters.end()) perItem_[name.substr(0, cut)][name.substr(cut + 1)] = it->second;
+      if (cut == std::string::npos || it == r.counters.end()) continue;
+      perItem_[name.substr(0, cut)][name.substr(cut + 1)] = it->second;
     }
     ConsoleReporter::ReportRuns(runs);
   }

@@ -46,11 +46,7 @@ std::optional<EthAddr> EthAddr::fromString(std::string_view text) {
   return readGroups(text, 2, '.');
 }
 
-std::optional<EthAddr> EthAddr::fromStrep(std::string_view text) {
-  auto unquoted = Zel::ValueText::unquote(text);
-  if (!unquoted) return std::nullopt;
-  return fromString(*unquoted);
-}
+std::optional<EthAddr> EthAddr::fromStrep(std::string_view text) { return Zel::ValueText::unquoteAs<EthAddr>(text); }
 
 std::uint32_t EthAddr::hash(std::uint32_t seed) const noexcept {
   return Zel::HashBuilder(seed).addBytes(bytes_.data(), bytes_.size()).value();

@@ -62,11 +62,7 @@ std::optional<IntfId> IntfId::fromString(std::string_view text) {
   return IntfId(text);
 }
 
-std::optional<IntfId> IntfId::fromStrep(std::string_view text) {
-  auto unquoted = Zel::ValueText::unquote(text);
-  if (!unquoted) return std::nullopt;
-  return fromString(*unquoted);
-}
+std::optional<IntfId> IntfId::fromStrep(std::string_view text) { return Zel::ValueText::unquoteAs<IntfId>(text); }
 
 std::uint32_t IntfId::hash(std::uint32_t seed) const noexcept { return Zel::HashBuilder(seed).add(id_).value(); }
 

@@ -48,9 +48,7 @@ std::optional<IpGenAddr> IpGenAddr::fromString(std::string_view text) {
 }
 
 std::optional<IpGenAddr> IpGenAddr::fromStrep(std::string_view text) {
-  auto unquoted = Zel::ValueText::unquote(text);
-  if (!unquoted) return std::nullopt;
-  return fromString(*unquoted);
+  return Zel::ValueText::unquoteAs<IpGenAddr>(text);
 }
 
 std::uint32_t IpGenAddr::hash(std::uint32_t seed) const noexcept {

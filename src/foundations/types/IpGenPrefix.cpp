@@ -60,9 +60,7 @@ std::optional<IpGenPrefix> IpGenPrefix::fromString(std::string_view text) {
 }
 
 std::optional<IpGenPrefix> IpGenPrefix::fromStrep(std::string_view text) {
-  auto unquoted = Zel::ValueText::unquote(text);
-  if (!unquoted) return std::nullopt;
-  return fromString(*unquoted);
+  return Zel::ValueText::unquoteAs<IpGenPrefix>(text);
 }
 
 std::uint32_t IpGenPrefix::hash(std::uint32_t seed) const noexcept {

@@ -44,6 +44,14 @@ class ValueText {
   // The inverse of quote(): nothing unless the whole text is one quoted string.
   [[nodiscard]] static std::optional<std::string> unquote(std::string_view text);
 
+  // A quoted text read by T::fromString: the fromStrep of every type printed as a quoted string.
+  template <class T>
+  [[nodiscard]] static std::optional<T> unquoteAs(std::string_view text) {
+    auto unquoted = unquote(text);
+    if (!unquoted) return std::nullopt;
+    return T::fromString(*unquoted);
+  }
+
   // A bare unsigned decimal number filling the whole text and fitting in U.
   template <class U>
   [[nodiscard]] static std::optional<U> parseUnsigned(std::string_view text) {

@@ -26,11 +26,7 @@ std::optional<VrfName> VrfName::fromString(std::string_view text) {
   return VrfName(text);
 }
 
-std::optional<VrfName> VrfName::fromStrep(std::string_view text) {
-  auto unquoted = Zel::ValueText::unquote(text);
-  if (!unquoted) return std::nullopt;
-  return fromString(*unquoted);
-}
+std::optional<VrfName> VrfName::fromStrep(std::string_view text) { return Zel::ValueText::unquoteAs<VrfName>(text); }
 
 std::string valueToStrep(VrfName const& v) { return Zel::ValueText::quote(v.view()); }
 

@@ -93,9 +93,10 @@ TEST(IpGenAddrTest, PrintsAndParsesBothFamilies) {
 
 TEST(IpGenAddrTest, RejectsBadTextWithoutRaising) {
   std::string const longText(200, '1');
-  for (std::string_view bad : std::initializer_list<std::string_view>{"10.0.0", "10.0.0.256", "1.2.3.4.5", "10.0.0.1/8", " 10.0.0.1", "10.0.0.1 ",
-                               "abc", "1::2::3", "2001:db8::g", ":::", "0x0a.0.0.1", std::string_view(longText),
-                               std::string_view("10.0.0.1\0junk", 13)}) {
+  for (std::string_view bad : std::initializer_list<std::string_view>{
+           "10.0.0", "10.0.0.256", "1.2.3.4.5", "10.0.0.1/8", " 10.0.0.1", "10.0.0.1 ",
+           "abc", "1::2::3", "2001:db8::g", ":::", "0x0a.0.0.1", std::string_view(longText),
+           std::string_view("10.0.0.1\0junk", 13)}) {
     EXPECT_FALSE(IpGenAddr::fromString(bad).has_value()) << bad;
   }
   EXPECT_FALSE(IpGenAddr::fromStrep("10.0.0.1").has_value()) << "unquoted";

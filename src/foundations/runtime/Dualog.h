@@ -23,9 +23,7 @@ class FlitConverter {
 
   template <class... Args>
   void operator()(Zel::TraceFormat<Args...> format, Args const&... args) const {
-    if (handle_.enabled(level_)) {
-      Quill::fmtrace(handle_, level_, file_, function_, line_, {}, format, args...);
-    }
+    Quill::fmtrace(handle_, level_, file_, function_, line_, {}, format, args...);  // tests its own level
     if (handle_.flitEnabled(level_)) {
       Flit::write(site_, handle_, level_, file_, line_, format, args...);
     }

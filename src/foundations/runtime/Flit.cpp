@@ -132,7 +132,8 @@ std::vector<std::string> RingBuf::lines(int level, bool withLocation) const {
     } catch (fmt::format_error const& error) {
       message = fmt::format("<format error: {}> {}", error.what(), desc->format);
     }
-    out.push_back(Zel::TraceLine{desc->facility, level, desc->file.c_str(), desc->line, "", message}.text(withLocation));
+    Zel::TraceLine const line{desc->facility, level, desc->file.c_str(), desc->line, "", message};
+    out.push_back(line.text(withLocation));
   }
   return out;
 }

@@ -259,7 +259,7 @@ void fmtrace(Zel::TraceHandle const& handle, int level, char const* file, char c
 // The handle is looked up on the first statement that runs, so that the registry exists by then.
 #define ZEL_TRACE_FACILITY(facility)                                   \
   namespace {                                                          \
-  [[maybe_unused]] ::Zel::TraceHandle const& _defaultTraceHandle() {   \
+  [[maybe_unused, gnu::always_inline]] inline ::Zel::TraceHandle const& _defaultTraceHandle() { \
     static ::Zel::TraceHandle const& handle = ::Zel::traceHandle(facility); \
     return handle;                                                     \
   }                                                                    \

@@ -109,7 +109,8 @@ TEST_F(FlitTest, DumpFormatsTheStoredArguments) {
   ASSERT_EQ(lines.size(), 2u);
   EXPECT_EQ(lines[0], "Test::FlitTest[0] Vrf: red, Ethernet1 -5 0xff 2.50 true c 1 1 via 10.1.1.1 -3 "
                       "9223372036854775808 (FlitTest.cpp:" + std::to_string(line) + ")");
-  EXPECT_EQ(lines[1].substr(0, lines[1].find(" (")), fmt::format("Test::FlitTest[0] at {}", static_cast<void*>(&value)));
+  EXPECT_EQ(lines[1].substr(0, lines[1].find(" (")),
+            fmt::format("Test::FlitTest[0] at {}", static_cast<void*>(&value)));
   EXPECT_EQ(nh.printed, 1);
 
   FLIT(2, "two");

@@ -1,15 +1,6 @@
 #include "foundations/rib/IgpResult.h"
 
-#include "foundations/runtime/Exception.h"
 #include "foundations/runtime/Hash.h"
-
-namespace Routing::IgpRedistribute {
-
-void CommunityIndex::throwOutOfRange() {
-  Zel::throwRangeException(Zel::rangeText("Routing::IgpRedistribute::CommunityIndex"));
-}
-
-}  // namespace Routing::IgpRedistribute
 
 namespace Routing::Bgp {
 

@@ -8,26 +8,19 @@
 #include <compare>
 #include <cstdint>
 #include <ostream>
+#include <string_view>
 
 #include <fmt/ostream.h>
 
+#include "foundations/rib/RangedIndex.h"
+
 namespace Routing::IgpRedistribute {
 
-class CommunityIndex {
- public:
-  static constexpr std::uint32_t kMin = 0;
-  static constexpr std::uint32_t kMax = 3;
-
-  // Outside kMin..kMax raises Zel::RangeException with the range text of this type.
-  constexpr CommunityIndex(std::uint32_t value) : value_(value) {  // NOLINT: an index is its number
-    if (value > kMax) throwOutOfRange();
-  }
-  [[nodiscard]] constexpr std::uint32_t value() const noexcept { return value_; }
-
- private:
-  [[noreturn]] static void throwOutOfRange();
-  std::uint32_t value_;
+// The position of a community in a result, 0..3; outside raises the range text of this type.
+struct CommunityIndexName {
+  static constexpr std::string_view kTypeName = "Routing::IgpRedistribute::CommunityIndex";
 };
+using CommunityIndex = Routing::Rib::RangedIndex<CommunityIndexName, 3>;
 
 }  // namespace Routing::IgpRedistribute
 

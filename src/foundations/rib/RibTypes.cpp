@@ -1,5 +1,8 @@
 #include "foundations/rib/RibTypes.h"
 
+#include <initializer_list>
+#include <utility>
+
 #include "foundations/runtime/Hash.h"
 #include "foundations/types/ValueText.h"
 
@@ -35,7 +38,8 @@ namespace {
 // The name of a value from a table of names, or its number.
 template <class V>
 std::optional<V> fromNameOrNumber(std::string_view text, std::initializer_list<std::pair<std::string_view, V>> names) {
-  if (auto unquoted = Zel::ValueText::unquote(text)) text = *unquoted;
+  std::optional<std::string> const unquoted = Zel::ValueText::unquote(text);
+  if (unquoted) text = *unquoted;
   for (auto const& [name, value] : names) {
     if (text == name) return value;
   }

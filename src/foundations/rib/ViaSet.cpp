@@ -1,11 +1,8 @@
 #include "foundations/rib/ViaSet.h"
 
-#include "foundations/runtime/Exception.h"
 #include "foundations/runtime/Hash.h"
 
 namespace Routing::Rib::Skein {
-
-void ViaIndex::throwOutOfRange() { Zel::throwRangeException(Zel::rangeText("Routing::Rib::Skein::ViaIndex")); }
 
 std::uint32_t ViaSet::hash(std::uint32_t seed) const noexcept {
   Zel::HashBuilder h(seed);

@@ -11,32 +11,23 @@
 #include <compare>
 #include <cstdint>
 #include <ostream>
+#include <string_view>
 #include <vector>
 
 #include <fmt/ostream.h>
 
+#include "foundations/rib/RangedIndex.h"
 #include "foundations/rib/ViaKey.h"
 #include "foundations/rib/ViaSetKey.h"
 
 namespace Routing::Rib::Skein {
 
-// A position in a via set, checked on construction.
-class ViaIndex {
- public:
-  static constexpr std::uint32_t kMin = 0;
-  static constexpr std::uint32_t kMax = 599;
-
-  // Outside kMin..kMax raises Zel::RangeException ("Routing::Rib::Skein::ViaIndex::value <
-  // Routing::Rib::Skein::ViaIndex::min or > Routing::Rib::Skein::ViaIndex::max not allowed").
-  constexpr ViaIndex(std::uint32_t value) : value_(value) {  // NOLINT: an index is its number
-    if (value > kMax) throwOutOfRange();
-  }
-  [[nodiscard]] constexpr std::uint32_t value() const noexcept { return value_; }
-
- private:
-  [[noreturn]] static void throwOutOfRange();
-  std::uint32_t value_;
+// A position in a via set, 0..599; outside raises "Routing::Rib::Skein::ViaIndex::value <
+// Routing::Rib::Skein::ViaIndex::min or > Routing::Rib::Skein::ViaIndex::max not allowed".
+struct ViaIndexName {
+  static constexpr std::string_view kTypeName = "Routing::Rib::Skein::ViaIndex";
 };
+using ViaIndex = RangedIndex<ViaIndexName, 599>;
 
 class ViaSet {
  public:

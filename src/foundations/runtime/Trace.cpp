@@ -106,8 +106,8 @@ struct TraceRegistry::Rules {
 };
 
 TraceRegistry::TraceRegistry() : traceRules_(std::make_unique<Rules>()), flitRules_(std::make_unique<Rules>()) {
-  if (char const* spec = std::getenv("BOWLINE_TRACE")) {
-    environmentError_ = traceSpecIs(spec);
+  if (char const* rules = std::getenv("BOWLINE_TRACE")) {
+    environmentError_ = traceRulesIs(rules);
     if (!environmentError_.empty()) fmt::print(stderr, "BOWLINE_TRACE: {}\n", environmentError_);
   }
 }
@@ -176,7 +176,7 @@ void TraceRegistry::reapply(Rules const& rules, std::string_view pattern) {
   }
 }
 
-std::string TraceRegistry::traceSpecIs(std::string_view spec) {
+std::string TraceRegistry::traceRulesIs(std::string_view rules) {
   struct Item {
     bool flit = false;
     std::string pattern;
@@ -198,9 +198,9 @@ std::string TraceRegistry::traceSpecIs(std::string_view spec) {
   };
 
   std::size_t start = 0;
-  while (start <= spec.size()) {
-    auto const comma = std::min(spec.find(',', start), spec.size());
-    auto const token = trimmed(spec.substr(start, comma - start));
+  while (start <= rules.size()) {
+    auto const comma = std::min(rules.find(',', start), rules.size());
+    auto const token = trimmed(rules.substr(start, comma - start));
     start = comma + 1;
     if (token.empty()) continue;
     auto const eq = token.find('=');
@@ -258,7 +258,7 @@ std::string flitLevelsIs(std::string_view pattern, std::uint16_t mask) {
   return TraceRegistry::instance().flitLevelsIs(pattern, mask);
 }
 
-std::string traceSpecIs(std::string_view spec) { return TraceRegistry::instance().traceSpecIs(spec); }
+std::string traceRulesIs(std::string_view rules) { return TraceRegistry::instance().traceRulesIs(rules); }
 
 void traceSinkIs(TraceSink sink) { TraceRegistry::instance().sinkIs(std::move(sink)); }
 

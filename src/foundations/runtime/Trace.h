@@ -12,7 +12,7 @@
 //
 // Levels 0-15. A new handle takes the most specific matching rule (an exact name beats a wildcard,
 // a longer wildcard prefix beats a shorter one); without one, its stream levels are all off and its
-// Flit levels (see Flit.h) are 0-2. Spec strings, as BOWLINE_TRACE or traceSpecIs() take them:
+// Flit levels (see Flit.h) are 0-2. Rule strings, as BOWLINE_TRACE or traceRulesIs() take them:
 //   "IpRib::RouteStatusSm=0-9,StaticRoute::*=6,*=0"   pattern=levels, comma separated
 //   "IpRib::IntfSm=0-2,6,8"                            a term without '=' adds to the item before it
 //   "flit:IpRib::*=0-4"                                the Flit ring's levels instead of the stream's
@@ -126,8 +126,8 @@ class TraceRegistry {
   // is created later. Returns the error text of a bad pattern, which changes nothing, or "".
   std::string traceLevelsIs(std::string_view pattern, std::uint16_t mask);
   std::string flitLevelsIs(std::string_view pattern, std::uint16_t mask);
-  // Apply a spec string (grammar above). Returns the errors of the skipped items, or "".
-  [[nodiscard]] std::string traceSpecIs(std::string_view spec);
+  // Apply a rules string (grammar above). Returns the errors of the skipped items, or "".
+  [[nodiscard]] std::string traceRulesIs(std::string_view rules);
   [[nodiscard]] std::string const& environmentError() const noexcept { return environmentError_; }
 
   // An empty sink restores the default, which writes each line to stderr.
@@ -154,7 +154,7 @@ class TraceRegistry {
 [[nodiscard]] TraceHandle& traceHandle(std::string_view facility);
 std::string traceLevelsIs(std::string_view pattern, std::uint16_t mask);
 std::string flitLevelsIs(std::string_view pattern, std::uint16_t mask);
-[[nodiscard]] std::string traceSpecIs(std::string_view spec);
+[[nodiscard]] std::string traceRulesIs(std::string_view rules);
 void traceSinkIs(TraceSink sink);
 void traceLocationShownIs(bool shown);
 

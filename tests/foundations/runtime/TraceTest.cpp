@@ -52,9 +52,9 @@ class TraceTest : public ::testing::Test {
 // A registry of the test's own, started with BOWLINE_TRACE set to the given text (or unset).
 class EnvironmentRegistry {
  public:
-  explicit EnvironmentRegistry(char const* spec) {
-    if (spec) {
-      ::setenv("BOWLINE_TRACE", spec, 1);
+  explicit EnvironmentRegistry(char const* rules) {
+    if (rules) {
+      ::setenv("BOWLINE_TRACE", rules, 1);
     } else {
       ::unsetenv("BOWLINE_TRACE");
     }
@@ -138,7 +138,7 @@ TEST_F(TraceTest, LevelsSetByNameBeforeAndAfterTheHandleExists) {
   for (std::size_t i = 1; i < all.size(); ++i) EXPECT_LT(all[i - 1]->name(), all[i]->name());
 }
 
-TEST_F(TraceTest, SpecStringsAndTheEnvironment) {
+TEST_F(TraceTest, RuleStringsAndTheEnvironment) {
   // Read at start-up: ranges, lists, wildcards, "all", Flit levels, and a leading bare term for "*".
   EnvironmentRegistry env("1, IpRib::RouteStatusSm=0-9,StaticRoute::*=6,8 ,*=0,Ferrule::BfdStatusSm=all,"
                           "flit:IpRib::*=none,flit:IpRib::IntfSm=3");
@@ -168,15 +168,15 @@ TEST_F(TraceTest, SpecStringsAndTheEnvironment) {
   EXPECT_EQ(bad.mask("A::G"), 0) << "an item with one bad term is skipped whole";
   EXPECT_EQ(bad.mask("A::H"), bit(1) | bit(2));
 
-  // Without the variable nothing is set, and a spec string can still be applied later.
+  // Without the variable nothing is set, and a rules string can still be applied later.
   EnvironmentRegistry none(nullptr);
   EXPECT_EQ(none.registry->environmentError(), "");
   EXPECT_EQ(none.mask("IpRib::RouteStatusSm"), 0);
-  EXPECT_EQ(none.registry->traceSpecIs("IpRib::*=2-3"), "");
+  EXPECT_EQ(none.registry->traceRulesIs("IpRib::*=2-3"), "");
   EXPECT_EQ(none.mask("IpRib::RouteStatusSm"), bit(2) | bit(3));
-  EXPECT_EQ(none.registry->traceSpecIs("junk,flit:=3"),
+  EXPECT_EQ(none.registry->traceRulesIs("junk,flit:=3"),
             "bad trace level 'junk' in 'junk'; empty facility pattern in 'flit:=3'");
-  EXPECT_EQ(none.registry->traceSpecIs(""), "");
+  EXPECT_EQ(none.registry->traceRulesIs(""), "");
 }
 
 TEST_F(TraceTest, SinkReceivesTheExactLine) {

@@ -1,21 +1,22 @@
-// Zel::HashMap2018 owns its elements (nodes from the Plinth slab) and a bucket array; it writes
-// nothing outside itself. It is owned by the record or state machine that declares the attribute,
-// or by a backlog run's local snapshot. With Value = void it is a set.
+// Zel::HashMap2018 owns its elements and a bucket array; it writes nothing outside itself. It is
+// owned by the record or state machine that declares the attribute, or by a backlog run's local
+// snapshot. With Value = void it is a set. Nodes come from the Plinth slab: no malloc header per
+// node, and freed nodes are reused by size.
 //
 // Order. Elements are walked by (h, key): h is the 32-bit hash of the key under the seed
 // Zel::HashHelper::hashSeed32() ^ attributeConstant, and ties of h are broken by Less on the key.
-// A key's bucket is the top bits of h and every chain is kept sorted, so the bucket array walked in
-// index order is this order, whatever the table size: the order of a set of keys never changes
-// with growth, with insertion order or with other keys coming and going. orderLess(a, b) tells it.
-// Two maps of different attribute constants (or processes of different seeds) walk alike keys in
-// unrelated orders.
+// All nodes form one singly linked list sorted in this order; a key's bucket is the top bits of h
+// and holds its first element (or null when empty), so a lookup walks the list from there. The
+// order of a set of keys never changes with the table size, the insertion order or other keys
+// coming and going; orderLess(a, b) tells it. Two maps of different attribute constants (or
+// processes of different seeds) walk alike keys in unrelated orders.
 //
 // Iterator contract (Iterator, ConstIterator, and the range-for iterator built on them):
 // - An iterator stands on one element or is done. It keeps a copy of that element's key and hash,
 //   so currNodeMaybeStale() / key() read the key even after the element was erased.
 // - While an iterator is live, any element (the one it stands on included) may be erased, elements
-//   may be inserted and the table may grow. advance() then moves to the first element live at that
-//   moment that stands strictly after the iterator's key in the order. Hence: no element is visited
+//   may be inserted and the table may resize. advance() then moves to the first element live at
+//   that moment that stands strictly after the iterator's key in the order. Hence: no element is visited
 //   twice; an element erased before the walk reaches it is not visited; an element inserted during
 //   the walk is visited iff it stands after the iterator's position when the iterator next moves.
 // - currNodeNonStale() / value() require the element at the iterator to be live (an element of
@@ -25,12 +26,14 @@
 //   elements after it, across any erases (of that key too) and any growth since it was saved.
 // - After clear(), a range delete, swap(), updateG() or a move of the map, an iterator over it goes
 //   on from its key in whatever the map then holds. An iterator must not outlive its map.
-// - Cost: a step with no erase since the iterator's last step is a plain node walk; after an erase
-//   the iterator finds its place again by (hash, key), one bucket walk. Iteration never allocates.
-// Value addresses are stable until that element is erased: nodes never move, not even on growth,
-// swap or updateG.
+// - Cost: a step with no erase since the iterator's last step is one link of the list; after an
+//   erase the iterator finds its place again by (hash, key), one bucket walk. Iteration never
+//   allocates. The table doubles at a load factor of 1 and shrinks below 1/8.
+// Value addresses are stable until that element is erased: nodes never move, not on growth or
+// shrinking, not on swap or updateG.
 #pragma once
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -48,23 +51,27 @@ namespace Zel {
 
 namespace HashMapImpl {
 
-// One element: the chain link and the hash first, so that a bucket walk that misses on the hash
-// touches only the first bytes of a node.
+// The link part of a node, and the whole of the list head.
+template <class N>
+struct Link {
+  N* next = nullptr;
+};
+
+// One element: the link and the hash first, so that a walk that misses on the hash touches only
+// the first bytes of a node.
 template <class Key, class Value>
-struct Node {
+struct Node : Link<Node<Key, Value>> {
   template <class... A>
   Node(std::uint32_t h, Key const& k, A&&... valueArgs)
       : hash(h), key(k), value(std::forward<A>(valueArgs)...) {}
-  Node* next = nullptr;
   std::uint32_t hash;
   Key key;
   Value value;
 };
 
 template <class Key>
-struct Node<Key, void> {
+struct Node<Key, void> : Link<Node<Key, void>> {
   Node(std::uint32_t h, Key const& k) : hash(h), key(k) {}
-  Node* next = nullptr;
   std::uint32_t hash;
   Key key;
 };
@@ -85,37 +92,56 @@ constexpr std::size_t slabBytes(std::size_t n) { return n > 512 ? n : (n + 15) /
 
 }  // namespace HashMapImpl
 
+// Range-for over a mutation-safe iterator (of HashMap2018 or RbTreeMap): each element is seen as
+// the iterator standing on it, so the loop body reads key() and value() and may erase.
+struct SafeRangeEnd {};
+template <class It>
+class SafeRangeIterator {
+ public:
+  explicit SafeRangeIterator(It it) : it_(std::move(it)) {}
+  It const& operator*() const { return it_; }
+  It const* operator->() const { return &it_; }
+  SafeRangeIterator& operator++() {
+    it_.advance();
+    return *this;
+  }
+  bool operator==(SafeRangeEnd) const { return it_.done(); }
+
+ private:
+  It it_;
+};
+
 template <class Key, class Value = void, class HashFn = Hash<Key>, class Less = std::less<Key>>
 class HashMap2018 {
   using Node = HashMapImpl::Node<Key, Value>;
+  using Link = HashMapImpl::Link<Node>;
   static constexpr bool kIsSet = std::is_void_v<Value>;
   static_assert(alignof(Node) <= 16, "the slab hands out 16-byte aligned blocks");
+  static_assert(std::is_invocable_r_v<bool, Less const&, Key const&, Key const&>,
+                "keys of equal hash are ordered by Less: the key type needs operator< (or give a Less)");
 
   template <bool kConst>
   class IteratorT;
-  template <bool kConst>
-  class RangeIterator;
 
  public:
   using KeyType = Key;
   using ValueType = Value;
   using Iterator = IteratorT<false>;
   using ConstIterator = IteratorT<true>;
-  struct End {};
 
-  explicit HashMap2018(std::uint32_t attributeConstant = 0) : seed_(HashHelper::hashSeed32() ^ attributeConstant) {}
+  explicit HashMap2018(std::uint32_t attributeConstant = 0)
+      : seed_(HashHelper::hashSeed32() ^ attributeConstant) {}
   ~HashMap2018() { releaseAll(); }
 
   HashMap2018(HashMap2018&& other) noexcept
-      : buckets_(other.buckets_),
-        bits_(other.bits_),
-        seed_(other.seed_),
-        capacity_(other.capacity_),
-        size_(other.size_),
-        epoch_(other.epoch_ + 1),
-        hashFn_(std::move(other.hashFn_)),
-        less_(std::move(other.less_)) {
-    other.resetToEmpty();
+      : seed_(other.seed_), hashFn_(std::move(other.hashFn_)), less_(std::move(other.less_)) {
+    head_.next = other.head_.next;
+    buckets_ = other.buckets_;
+    bits_ = other.bits_;
+    capacity_ = other.capacity_;
+    size_ = other.size_;
+    epoch_ = other.epoch_ + 1;
+    other.forget();
   }
   HashMap2018& operator=(HashMap2018&& other) noexcept {
     if (this != &other) {
@@ -172,13 +198,12 @@ class HashMap2018 {
   // True if k was present.
   bool erase(Key const& k) {
     std::uint32_t h = hashKey(k);
-    Node** link = linkFor(h, k);
-    Node* n = *link;
+    Link* p = predecessor(h, k);
+    Node* n = p->next;
     if (!n || n->hash != h || !keyEq(n->key, k)) return false;
-    *link = n->next;
-    freeNode(n);
-    --size_;
+    freeNode(unlinkAfter(p));
     ++epoch_;
+    maybeShrink();
     return true;
   }
 
@@ -186,23 +211,20 @@ class HashMap2018 {
   template <class V = Value, class = std::enable_if_t<!std::is_void_v<V>>>
   std::optional<V> extract(Key const& k) {
     std::uint32_t h = hashKey(k);
-    Node** link = linkFor(h, k);
-    Node* n = *link;
+    Link* p = predecessor(h, k);
+    Node* n = p->next;
     if (!n || n->hash != h || !keyEq(n->key, k)) return std::nullopt;
     std::optional<V> out(std::move(n->value));
-    *link = n->next;
-    freeNode(n);
-    --size_;
+    freeNode(unlinkAfter(p));
     ++epoch_;
+    maybeShrink();
     return out;
   }
 
   // Erases everything and gives back the bucket array too.
   void clear() {
     releaseAll();
-    std::uint64_t epoch = epoch_;
-    resetToEmpty();
-    epoch_ = epoch + 1;
+    forget();
   }
 
   // Range deletes, in the walk order: k and all after it; all strictly before k; [first, last).
@@ -227,8 +249,8 @@ class HashMap2018 {
     return ha < hb || (ha == hb && less_(a, b));
   }
 
-  [[nodiscard]] Iterator iterator() { return Iterator(this, firstFrom(0)); }
-  [[nodiscard]] ConstIterator iterator() const { return ConstIterator(this, firstFrom(0)); }
+  [[nodiscard]] Iterator iterator() { return Iterator(this, head_.next); }
+  [[nodiscard]] ConstIterator iterator() const { return ConstIterator(this, head_.next); }
   [[nodiscard]] Iterator iteratorAt(Key const& k) { return Iterator(this, lowerBound(hashKey(k), k)); }
   [[nodiscard]] ConstIterator iteratorAt(Key const& k) const {
     return ConstIterator(this, lowerBound(hashKey(k), k));
@@ -239,13 +261,16 @@ class HashMap2018 {
   }
 
   // Range-for: each element is seen as the (mutation-safe) iterator standing on it.
-  [[nodiscard]] RangeIterator<false> begin() { return RangeIterator<false>(iterator()); }
-  [[nodiscard]] RangeIterator<true> begin() const { return RangeIterator<true>(iterator()); }
-  [[nodiscard]] End end() const { return {}; }
+  [[nodiscard]] SafeRangeIterator<Iterator> begin() { return SafeRangeIterator<Iterator>(iterator()); }
+  [[nodiscard]] SafeRangeIterator<ConstIterator> begin() const {
+    return SafeRangeIterator<ConstIterator>(iterator());
+  }
+  [[nodiscard]] SafeRangeEnd end() const { return {}; }
 
   // Exchanges everything, seeds included.
   void swap(HashMap2018& other) noexcept {
     using std::swap;
+    swap(head_.next, other.head_.next);
     swap(buckets_, other.buckets_);
     swap(bits_, other.bits_);
     swap(seed_, other.seed_);
@@ -267,20 +292,25 @@ class HashMap2018 {
       other.clear();
       return;
     }
-    bool rehash = seed_ != other.seed_;
-    std::size_t count = std::size_t(1) << other.bits_;
-    for (std::size_t b = 0; b < count; ++b) {
-      Node* n = other.buckets_[b];
-      other.buckets_[b] = nullptr;
-      while (n) {
-        Node* next = n->next;
-        if (rehash) n->hash = hashKey(n->key);
-        adoptNode(n);
-        n = next;
+    // Room for all first, so that no allocation can fail half way through.
+    std::size_t want = capacity_ ? capacity_ : 1;
+    while (want < size_ + other.size_) want *= 2;
+    if (want != capacity_) rehash(want);
+    bool rehashKeys = seed_ != other.seed_;
+    Node* n = other.head_.next;
+    other.releaseBuckets();
+    other.forget();
+    while (n) {
+      Node* next = n->next;
+      if (rehashKeys) n->hash = hashKey(n->key);
+      Link* p = predecessor(n->hash, n->key);
+      if (p->next && p->next->hash == n->hash && keyEq(p->next->key, n->key)) {
+        freeNode(n);
+      } else {
+        linkAfter(p, n);
       }
+      n = next;
     }
-    other.size_ = 0;
-    other.clear();
   }
 
   // Bytes of nodes and bucket array, as the slab hands them out.
@@ -371,24 +401,10 @@ class HashMap2018 {
     std::optional<Key> key_;
   };
 
-  template <bool kConst>
-  class RangeIterator {
-   public:
-    explicit RangeIterator(IteratorT<kConst> it) : it_(std::move(it)) {}
-    IteratorT<kConst> const& operator*() const { return it_; }
-    IteratorT<kConst> const* operator->() const { return &it_; }
-    RangeIterator& operator++() {
-      it_.advance();
-      return *this;
-    }
-    bool operator==(End) const { return it_.done(); }
-
-   private:
-    IteratorT<kConst> it_;
-  };
-
   [[nodiscard]] std::uint32_t hashKey(Key const& k) const { return hashFn_(k, seed_); }
-  [[nodiscard]] std::size_t bucketOf(std::uint32_t h) const { return std::size_t((std::uint64_t(h) << bits_) >> 32); }
+  [[nodiscard]] std::size_t bucketOf(std::uint32_t h) const {
+    return std::size_t((std::uint64_t(h) << bits_) >> 32);
+  }
   [[nodiscard]] bool keyEq(Key const& a, Key const& b) const {
     if constexpr (std::equality_comparable<Key>) {
       return a == b;
@@ -406,118 +422,148 @@ class HashMap2018 {
   }
 
   Node* findNode(std::uint32_t h, Key const& k) const {
-    for (Node* n = buckets_[bucketOf(h)]; n; n = n->next) {
-      if (n->hash < h) continue;
-      if (n->hash > h) return nullptr;
-      if (keyEq(n->key, k)) return n;
+    for (Node* n = buckets_[bucketOf(h)]; n && n->hash <= h; n = n->next) {
+      if (n->hash == h && keyEq(n->key, k)) return n;
     }
     return nullptr;
   }
-  // The link in (h, k)'s chain where (h, k) is or would be inserted.
-  Node** linkFor(std::uint32_t h, Key const& k) {
-    Node** link = &buckets_[bucketOf(h)];
-    while (*link && before(*link, h, k)) link = &(*link)->next;
-    return link;
-  }
-  Node* firstFrom(std::size_t b) const {
+  // The first element not before (h, k), or with kAfter strictly after it.
+  template <bool kAfter>
+  Node* bound(std::uint32_t h, Key const& k) const {
+    std::size_t b = bucketOf(h);
+    Node* n = buckets_[b];
+    if constexpr (kAfter) {
+      while (n && !after(n, h, k)) n = n->next;
+    } else {
+      while (n && before(n, h, k)) n = n->next;
+    }
+    if (n || buckets_[b]) return n;  // a non-empty bucket's walk runs on into the later buckets
     std::size_t count = std::size_t(1) << bits_;
-    for (; b < count; ++b) {
+    while (++b < count) {
       if (buckets_[b]) return buckets_[b];
     }
     return nullptr;
   }
-  Node* successor(Node const* n) const { return n->next ? n->next : firstFrom(bucketOf(n->hash) + 1); }
-  Node* lowerBound(std::uint32_t h, Key const& k) const {
+  Node* lowerBound(std::uint32_t h, Key const& k) const { return bound<false>(h, k); }
+  Node* upperBound(std::uint32_t h, Key const& k) const { return bound<true>(h, k); }
+
+  // The link whose next is the first element not before (h, k): the place to insert or erase.
+  Link* predecessor(std::uint32_t h, Key const& k) const {
     std::size_t b = bucketOf(h);
-    for (Node* n = buckets_[b]; n; n = n->next) {
-      if (!before(n, h, k)) return n;
-    }
-    return firstFrom(b + 1);
+    Node* n = buckets_[b];
+    if (!n || !before(n, h, k)) return lastBefore(b);
+    while (n->next && before(n->next, h, k)) n = n->next;
+    return n;
   }
-  Node* upperBound(std::uint32_t h, Key const& k) const {
-    std::size_t b = bucketOf(h);
-    for (Node* n = buckets_[b]; n; n = n->next) {
-      if (after(n, h, k)) return n;
+  // The last node of the buckets before b, or the head: found from the nearest non-empty bucket
+  // below b, so the cost is the distance to it (short, since the table is kept at least 1/8 full).
+  Link* lastBefore(std::size_t b) const {
+    while (b-- > 0) {
+      if (Node* n = buckets_[b]) {
+        while (n->next && bucketOf(n->next->hash) == b) n = n->next;
+        return n;
+      }
     }
-    return firstFrom(b + 1);
+    return &head_;
+  }
+
+  // The next element of a walk.
+  Node* successor(Node const* n) const {
+    prefetchAhead(buckets_, capacity_, bits_, n->hash);
+    return n->next;
+  }
+  // The walk order is unrelated to where nodes sit in memory, so a walk over a large table
+  // prefetches nodes a few buckets ahead of hash h: it then waits on memory in parallel instead of
+  // once per node. Always inlined: GCC takes an out-of-line function that only prefetches for one
+  // without effect and drops the call.
+  [[gnu::always_inline]] static void prefetchAhead(Node* const* buckets, std::size_t capacity,
+                                                   std::uint32_t bits, std::uint32_t h) {
+    if (capacity < kPrefetchMinBuckets) return;
+    std::size_t ahead = std::size_t((std::uint64_t(h) << bits) >> 32) + kPrefetchBuckets;
+    if (ahead < capacity) {
+      __builtin_prefetch(buckets[ahead]);
+      Node const* near = buckets[ahead - kPrefetchBuckets / 2];
+      if (near && near->next) __builtin_prefetch(near->next);
+    }
   }
 
   template <class... A>
   Node* emplaceNode(Key const& k, bool& inserted, A&&... valueArgs) {
     std::uint32_t h = hashKey(k);
-    Node** link = linkFor(h, k);
-    if (*link && (*link)->hash == h && keyEq((*link)->key, k)) {
+    Link* p = predecessor(h, k);
+    if (p->next && p->next->hash == h && keyEq(p->next->key, k)) {
       inserted = false;
-      return *link;
+      return p->next;
     }
     if (size_ >= capacity_) {
-      grow();
-      link = linkFor(h, k);
+      rehash(capacity_ ? capacity_ * 2 : 1);
+      p = predecessor(h, k);
     }
     Node* n = newNode(h, k, std::forward<A>(valueArgs)...);
-    n->next = *link;
-    *link = n;
-    ++size_;
+    linkAfter(p, n);
     inserted = true;
     return n;
   }
-  // Links a node taken from another map, or frees it if its key is already here.
-  void adoptNode(Node* n) {
-    Node** link = linkFor(n->hash, n->key);
-    if (*link && (*link)->hash == n->hash && keyEq((*link)->key, n->key)) {
-      freeNode(n);
-      return;
-    }
-    if (size_ >= capacity_) {
-      grow();
-      link = linkFor(n->hash, n->key);
-    }
-    n->next = *link;
-    *link = n;
+  // Links n after p (p->next being the first element after n) and keeps the buckets right: n
+  // becomes its bucket's first element unless p is in that bucket.
+  void linkAfter(Link* p, Node* n) {
+    n->next = p->next;
+    p->next = n;
+    std::size_t b = bucketOf(n->hash);
+    if (p == &head_ || bucketOf(static_cast<Node*>(p)->hash) != b) buckets_[b] = n;
     ++size_;
   }
+  // Unlinks p->next and returns it, keeping the buckets right.
+  Node* unlinkAfter(Link* p) {
+    Node* n = p->next;
+    Node* s = n->next;
+    p->next = s;
+    std::size_t b = bucketOf(n->hash);
+    if (buckets_[b] == n) buckets_[b] = s && bucketOf(s->hash) == b ? s : nullptr;
+    --size_;
+    return n;
+  }
 
-  // Doubles the bucket array (load factor at most 1). Bucket i splits into 2i and 2i+1: its sorted
-  // chain is cut where the next hash bit turns to 1, so chains stay sorted and no node moves.
-  void grow() {
-    std::size_t newCapacity = capacity_ ? capacity_ * 2 : 1;
-    std::uint32_t newBits = capacity_ ? bits_ + 1 : 0;
-    Node** fresh = allocBuckets(newCapacity);
-    for (std::size_t i = 0; i < capacity_; ++i) {
-      Node* head = buckets_[i];
-      Node** link = &head;
-      while (*link && ((std::uint64_t((*link)->hash) << newBits) >> 32) == 2 * i) link = &(*link)->next;
-      fresh[2 * i + 1] = *link;
-      *link = nullptr;
-      fresh[2 * i] = head;
-    }
-    if (capacity_) freeBuckets(buckets_, capacity_);
-    buckets_ = fresh;
-    bits_ = newBits;
+  // Rebuilds the bucket array at a new size from the list: nodes do not move and the list order
+  // does not change.
+  void rehash(std::size_t newCapacity) {
+    Node** old = buckets_;
+    std::size_t oldCapacity = capacity_;
+    std::uint32_t oldBits = bits_;
+    buckets_ = allocBuckets(newCapacity);
     capacity_ = newCapacity;
+    bits_ = std::uint32_t(std::countr_zero(newCapacity));
+    std::size_t last = ~std::size_t(0);
+    for (Node* n = head_.next; n; n = n->next) {
+      prefetchAhead(old, oldCapacity, oldBits, n->hash);
+      std::size_t b = bucketOf(n->hash);
+      if (b != last) {
+        buckets_[b] = n;
+        last = b;
+      }
+    }
+    if (oldCapacity) freeBuckets(old, oldCapacity);
+  }
+  // Halves the table (or more) once it is less than 1/8 full, so that lastBefore stays short.
+  void maybeShrink() {
+    if (capacity_ <= kMinShrinkBuckets || size_ * 8 >= capacity_) return;
+    std::size_t want = kMinShrinkBuckets;
+    while (want < size_ * 2) want *= 2;
+    rehash(want);
   }
 
   // Erases every element e with lo <= e < hi in the walk order; a null bound is open.
   void eraseSpan(Bound const* lo, Bound const* hi) {
     if (size_ == 0) return;
-    std::size_t b = lo ? bucketOf(lo->hash) : 0;
-    std::size_t last = hi ? bucketOf(hi->hash) : (std::size_t(1) << bits_) - 1;
-    std::size_t freed = 0;
-    for (bool first = true; b <= last; ++b, first = false) {
-      Node** link = &buckets_[b];
-      if (first && lo) {
-        while (*link && before(*link, lo->hash, *lo->key)) link = &(*link)->next;
-      }
-      while (*link && (!hi || before(*link, hi->hash, *hi->key))) {
-        Node* n = *link;
-        *link = n->next;
-        freeNode(n);
-        ++freed;
-      }
+    Link* p = lo ? predecessor(lo->hash, *lo->key) : &head_;
+    bool freed = false;
+    while (p->next && (!hi || before(p->next, hi->hash, *hi->key))) {
+      freeNode(unlinkAfter(p));
+      freed = true;
     }
     if (freed) {
-      size_ -= freed;
       ++epoch_;
+      maybeShrink();
     }
   }
 
@@ -540,21 +586,24 @@ class HashMap2018 {
     std::memset(static_cast<void*>(b), 0, count * sizeof(Node*));
     return b;
   }
-  static void freeBuckets(Node** b, std::size_t count) noexcept { Plinth::slabFree(b, count * sizeof(Node*)); }
+  static void freeBuckets(Node** b, std::size_t count) noexcept {
+    Plinth::slabFree(b, count * sizeof(Node*));
+  }
 
   void releaseAll() noexcept {
-    if (!capacity_) return;
-    for (std::size_t b = 0; b < capacity_; ++b) {
-      for (Node* n = buckets_[b]; n;) {
-        Node* next = n->next;
-        freeNode(n);
-        n = next;
-      }
+    for (Node* n = head_.next; n;) {
+      Node* next = n->next;
+      freeNode(n);
+      n = next;
     }
-    freeBuckets(buckets_, capacity_);
+    releaseBuckets();
+  }
+  void releaseBuckets() noexcept {
+    if (capacity_) freeBuckets(buckets_, capacity_);
   }
   // Forgets the contents (already released or handed over) and stands on the shared empty bucket.
-  void resetToEmpty() noexcept {
+  void forget() noexcept {
+    head_.next = nullptr;
     buckets_ = emptyBucket_;
     bits_ = 0;
     capacity_ = 0;
@@ -563,37 +612,39 @@ class HashMap2018 {
   }
   void copyFrom(HashMap2018 const& other) {
     if (!other.capacity_) return;
-    buckets_ = allocBuckets(other.capacity_);
-    bits_ = other.bits_;
-    capacity_ = other.capacity_;
     try {
-      for (std::size_t b = 0; b < capacity_; ++b) {
-        Node** tail = &buckets_[b];
-        for (Node const* n = other.buckets_[b]; n; n = n->next) {
-          if constexpr (kIsSet) {
-            *tail = newNode(n->hash, n->key);
-          } else {
-            *tail = newNode(n->hash, n->key, n->value);
-          }
-          tail = &(*tail)->next;
-          ++size_;
+      Link* tail = &head_;
+      for (Node const* n = other.head_.next; n; n = n->next) {
+        if constexpr (kIsSet) {
+          tail->next = newNode(n->hash, n->key);
+        } else {
+          tail->next = newNode(n->hash, n->key, n->value);
         }
+        tail = tail->next;
+        ++size_;
       }
+      rehash(other.capacity_);
     } catch (...) {
       releaseAll();
       throw;
     }
   }
 
+  static constexpr std::size_t kPrefetchBuckets = 16;
+  static constexpr std::size_t kPrefetchMinBuckets = 4096;
+  static constexpr std::size_t kMinShrinkBuckets = 64;
+
   // An empty map reads this one null bucket and allocates nothing; the first insert grows.
   static inline Node* emptyBucket_[1] = {nullptr};
 
-  Node** buckets_ = emptyBucket_;
-  std::uint32_t bits_ = 0;     // bucket of h = top bits_ bits of h
+  // The list head. Const readers hand out positions in the list, the head among them.
+  mutable Link head_;
+  Node** buckets_ = emptyBucket_;  // per bucket: its first element, or null
+  std::uint32_t bits_ = 0;         // bucket of h = top bits_ bits of h
   std::uint32_t seed_;
-  std::size_t capacity_ = 0;   // buckets allocated; 0 while on the shared empty bucket
+  std::size_t capacity_ = 0;  // buckets allocated; 0 while on the shared empty bucket
   std::size_t size_ = 0;
-  std::uint64_t epoch_ = 0;    // bumped whenever a node leaves the map; iterators compare it
+  std::uint64_t epoch_ = 0;  // bumped whenever a node leaves the map; iterators compare it
   [[no_unique_address]] HashFn hashFn_;
   [[no_unique_address]] Less less_;
 };

@@ -33,6 +33,7 @@
 #include <utility>
 
 #include "foundations/runtime/Exception.h"
+#include "foundations/runtime/HashMap2018.h"  // SafeRangeIterator, shared by the runtime's maps
 #include "foundations/runtime/Slab.h"
 
 namespace Zel {
@@ -60,15 +61,12 @@ class RbTreeMap {
 
   template <bool kConst>
   class IteratorT;
-  template <bool kConst>
-  class RangeIterator;
 
  public:
   using KeyType = Key;
   using ValueType = Value;
   using Iterator = IteratorT<false>;
   using ConstIterator = IteratorT<true>;
-  struct End {};
 
   RbTreeMap() = default;
   RbTreeMap(RbTreeMap const&) = default;
@@ -152,15 +150,19 @@ class RbTreeMap {
   [[nodiscard]] Iterator iterator() { return Iterator(this, store_.begin()); }
   [[nodiscard]] ConstIterator iterator() const { return ConstIterator(this, store_.begin()); }
   [[nodiscard]] Iterator iteratorAt(Key const& k) { return Iterator(this, store_.lower_bound(k)); }
-  [[nodiscard]] ConstIterator iteratorAt(Key const& k) const { return ConstIterator(this, store_.lower_bound(k)); }
+  [[nodiscard]] ConstIterator iteratorAt(Key const& k) const {
+    return ConstIterator(this, store_.lower_bound(k));
+  }
   [[nodiscard]] Iterator iteratorAfter(Key const& k) { return Iterator(this, store_.upper_bound(k)); }
   [[nodiscard]] ConstIterator iteratorAfter(Key const& k) const {
     return ConstIterator(this, store_.upper_bound(k));
   }
 
-  [[nodiscard]] RangeIterator<false> begin() { return RangeIterator<false>(iterator()); }
-  [[nodiscard]] RangeIterator<true> begin() const { return RangeIterator<true>(iterator()); }
-  [[nodiscard]] End end() const { return {}; }
+  [[nodiscard]] SafeRangeIterator<Iterator> begin() { return SafeRangeIterator<Iterator>(iterator()); }
+  [[nodiscard]] SafeRangeIterator<ConstIterator> begin() const {
+    return SafeRangeIterator<ConstIterator>(iterator());
+  }
+  [[nodiscard]] SafeRangeEnd end() const { return {}; }
 
   void swap(RbTreeMap& other) noexcept {
     store_.swap(other.store_);
@@ -236,7 +238,8 @@ class RbTreeMap {
     Pos livePos() const {
       if (map_->epoch_ != epoch_) {
         Pos p = storeOf(map_).find(*key_);
-        QUILL_ASSERT(p != storeOf(map_).end(), "Zel::RbTreeMap::Iterator::currNodeNonStale: element was erased");
+        QUILL_ASSERT(p != storeOf(map_).end(),
+                     "Zel::RbTreeMap::Iterator::currNodeNonStale: element was erased");
         pos_ = p;
         epoch_ = map_->epoch_;
       }
@@ -248,22 +251,6 @@ class RbTreeMap {
     bool done_ = true;
     mutable std::uint64_t epoch_ = 0;
     std::optional<Key> key_;
-  };
-
-  template <bool kConst>
-  class RangeIterator {
-   public:
-    explicit RangeIterator(IteratorT<kConst> it) : it_(std::move(it)) {}
-    IteratorT<kConst> const& operator*() const { return it_; }
-    IteratorT<kConst> const* operator->() const { return &it_; }
-    RangeIterator& operator++() {
-      it_.advance();
-      return *this;
-    }
-    bool operator==(End) const { return it_.done(); }
-
-   private:
-    IteratorT<kConst> it_;
   };
 
   void eraseSpan(typename Store::iterator from, typename Store::iterator to) {

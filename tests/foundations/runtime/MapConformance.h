@@ -140,7 +140,9 @@ template <class M>
 class MapConformanceTest : public ::testing::Test {
  protected:
   void SetUp() override { MapConformance::Tracked::live = 0; }
-  void TearDown() override { EXPECT_EQ(MapConformance::Tracked::live, 0) << "values leaked or destroyed twice"; }
+  void TearDown() override {
+    EXPECT_EQ(MapConformance::Tracked::live, 0) << "values leaked or destroyed twice";
+  }
 };
 
 TYPED_TEST_SUITE_P(MapConformanceTest);
@@ -257,7 +259,9 @@ TYPED_TEST_P(MapConformanceTest, EraseDuringWalkStillAdvances) {
   // Erase elements ahead of the iterator (not visited) and behind it (no effect on the walk).
   seen.clear();
   std::vector<int> survivors;
-  auto indexOf = [&kept](int k) { return std::size_t(std::find(kept.begin(), kept.end(), k) - kept.begin()); };
+  auto indexOf = [&kept](int k) {
+    return std::size_t(std::find(kept.begin(), kept.end(), k) - kept.begin());
+  };
   for (auto it = m.iterator(); it; ++it) {
     seen.push_back(it.key());
     std::size_t j = indexOf(it.key());

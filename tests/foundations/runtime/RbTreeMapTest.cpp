@@ -1,5 +1,3 @@
-#include "foundations/runtime/RbTreeMap.h"
-
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -7,6 +5,7 @@
 #include <vector>
 
 #include "foundations/runtime/MapConformance.h"
+#include "foundations/runtime/RbTreeMap.h"
 
 namespace {
 

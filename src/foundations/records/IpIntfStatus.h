@@ -1,10 +1,11 @@
 // The interface tables of one VRF, as the interface agent publishes them: per interface, whether
-// routing is enabled on it in the data path. IPv4 and IPv6 come from different tables of the same
-// shape. Written by the interface agent (the platform stand-in here); read by the route machines.
+// routing is enabled on it in the data path, and the tables of all VRFs by name. IPv4 and IPv6 come
+// from tables of the same shape. Written by the interface agent; read by the route machines.
 #pragma once
 
 #include "foundations/runtime/Attribute.h"
 #include "foundations/types/IntfId.h"
+#include "foundations/types/VrfName.h"
 
 namespace Ip {
 
@@ -26,6 +27,17 @@ class VrfIpIntfStatus : public Zel::Entity {
  protected:
   friend struct Zel::Factory;
   VrfIpIntfStatus() = default;
+};
+
+// The interface tables of every VRF, by VRF name; a VRF without interfaces may have no entry.
+class Status : public Zel::Entity {
+ public:
+  static Quill::Ptr<Status> StatusIs() { return Zel::make<Status>(); }
+  ZEL_MAP(L3::VrfName, Quill::Ptr<VrfIpIntfStatus>, vrfIpIntfStatus, 131)
+
+ protected:
+  friend struct Zel::Factory;
+  Status() = default;
 };
 
 }  // namespace Ip
@@ -50,6 +62,16 @@ class VrfIp6IntfStatus : public Zel::Entity {
  protected:
   friend struct Zel::Factory;
   VrfIp6IntfStatus() = default;
+};
+
+class Status : public Zel::Entity {
+ public:
+  static Quill::Ptr<Status> StatusIs() { return Zel::make<Status>(); }
+  ZEL_MAP(L3::VrfName, Quill::Ptr<VrfIp6IntfStatus>, vrfIp6IntfStatus, 131)
+
+ protected:
+  friend struct Zel::Factory;
+  Status() = default;
 };
 
 }  // namespace Ip6

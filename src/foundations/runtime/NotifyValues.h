@@ -42,3 +42,14 @@ T const* notifyOldValue(void const* object, AttrId attributeId) {
 }
 
 }  // namespace Zel
+
+namespace Zel {
+
+// The value after the change in progress, or null (no such change, or a deleted key).
+template <class T>
+T const* notifyNewValue(void const* object, AttrId attributeId) {
+  auto const* a = Impl::getNotifyValues(object, attributeId, typeid(T));
+  return a ? static_cast<T const*>(a->newValue) : nullptr;
+}
+
+}  // namespace Zel

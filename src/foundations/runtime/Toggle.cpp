@@ -62,4 +62,9 @@ bool toggleRouteInputStaticRouteJointAgentsEnabled() {
   return Zel::getToggleState("RouteInputStaticRouteJointAgents", "/etc/bowline/toggles", true);
 }
 
+
 bool toggleViaWeightChangeEnabled() { return Zel::getToggleState("ViaWeightChange", "/etc/bowline/toggles", true); }
+
+bool toggleRouteInputVxlanBfdEnabled() {
+  return Zel::getToggleState("RouteInputVxlanBfd", "/etc/bowline/toggles", true);
+}

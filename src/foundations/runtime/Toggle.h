@@ -17,6 +17,8 @@ void toggleStateResetForTest();
 
 }  // namespace Zel
 
-// The two toggles of the route core, both on by default.
+// The toggles of the route core, all on by default.
 bool toggleRouteInputStaticRouteJointAgentsEnabled();
 bool toggleViaWeightChangeEnabled();
+// "RouteInputVxlanBfd": BFD-tracked vias of injected routes may name a local address.
+bool toggleRouteInputVxlanBfdEnabled();

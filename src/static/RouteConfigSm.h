@@ -1,0 +1,438 @@
+// RouteConfigSm turns the configured routes of one VRF and address family into entries of the
+// route status store and of the via tables. It watches the static, dynamic and leaked route lists
+// (static mode) or the lists of the route-input users (route-input mode), and the interface, MPLS,
+// VRF and general settings that decide how a via is entered. Owned by the input container of its
+// VRF and family.
+//
+// Reactors only put keys on the backlog and schedule; "routeReview" reviews the backlog and
+// "reviewAllRoutes" reviews every route, both yielding between routes with a bookmark.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+
+#include "foundations/records/ConfigTag.h"
+#include "foundations/records/GeneralConfig.h"
+#include "foundations/records/GrState.h"
+#include "foundations/records/MplsConfig.h"
+#include "foundations/records/NexthopGroupEntryStatus.h"
+#include "foundations/records/NhgNameRouteKeyMap.h"
+#include "foundations/records/Route.h"
+#include "foundations/records/RouteInput.h"
+#include "foundations/records/RouteList.h"
+#include "foundations/records/TunnelRibNameIdMap.h"
+#include "foundations/records/VrfIdMap.h"
+#include "foundations/records/VrfReadyStatus.h"
+#include "foundations/records/VrfRouteListTaggedConfig.h"
+#include "foundations/records/VtepSipValidationStatus.h"
+#include "foundations/rib/EvpnViaConfig.h"
+#include "foundations/rib/IpViaConfig.h"
+#include "foundations/rib/ViaContent.h"
+#include "foundations/runtime/Backlog.h"
+#include "foundations/runtime/StateMachine.h"
+#include "foundations/runtime/TaskMember.h"
+#include "input/RouteInput.h"
+#include "leak/ProtocolRouteLeak.h"
+#include "protocol/ProtocolContainerKey.h"
+#include "protocol/ProtocolIntf.h"
+#include "protocol/ProtocolRouteStatus.h"
+#include "routecache/RouteCacheRouteHelperSm.h"
+#include "sipvalidation/SipValidationHelper.h"
+#include "static/AllEgressVrfIntfStatusHelperSm.h"
+#include "static/InterVrfRouteConfig.h"
+#include "static/ResRibProfileContainer.h"
+#include "static/TaggedRouteConfigSm.h"
+#include "static/ViaReevaluateWalkSm.h"
+
+namespace Routing::Static {
+
+class RouteConfigSm : public Zel::StateMachine<RouteConfigSm> {
+ public:
+  enum ReviewState : std::uint8_t { SUSPENDED = 0, FINISHED = 1, CONTINUE = 2 };
+  using OptWeight = std::optional<std::uint32_t>;
+  using RouteConstPtr = Quill::Ptr<Route const>;
+  using RouteListConstPtr = Quill::Ptr<RouteList const>;
+  using LeakRouteConstPtr = Quill::Ptr<Protocol::LeakRoute const>;
+
+  // The constructor's arguments, in their order. Null inputs have not come yet; evpnViaConfig,
+  // routeCacheRouteHelperSm and srConfigDynamic may stay null, and static mode needs leakConfig.
+  struct Inputs {
+    Protocol::ContainerKey containerKey;
+    Quill::Ptr<Vrf::VrfIdMap::NameToIdMapWrapper const> vrfNameStatus;
+    Vrf::VrfIdMap::VrfId vrfId;
+    Quill::Ptr<Protocol::Status> status;
+    Quill::Ptr<Rib::Ip::ViaConfig> ipViaConfig;
+    Quill::Ptr<Rib::Evpn::ViaConfig> evpnViaConfig;
+    Quill::Ptr<Protocol::IntfStatus const> intfStatus;
+    Quill::Ptr<Rib::Ip::ViaConfig> ipv4DefaultVrfViaConfig;
+    Quill::Ptr<Rib::Ip::ViaConfig> ipv6DefaultVrfViaConfig;
+    Quill::Ptr<Protocol::GrState const> grState;
+    Quill::Ptr<Protocol::VrfReadyStatus> vrfReadyStatus;
+    Quill::Ptr<::NexthopGroup::EntryStatus const> nexthopGroupEntryStatus;
+    Quill::Ptr<RouteCacheRouteHelperSm> routeCacheRouteHelperSm;
+    Halyard::TaskScheduler* scheduler = nullptr;
+    Quill::Ptr<AllEgressVrfIntfStatusHelperSm> allEgressVrfIntfStatusHelperSm;
+    Rib::RoutingProtocol routingProtocol = Rib::RoutingProtocol::staticConfig();
+    Quill::Ptr<Protocol::LeakRouteConfig const> leakConfig;
+    Quill::Ptr<ConfigTag::ConfigTagStatus const> configTagStatus;
+    Quill::Ptr<ConfigTag::ConfigTagIdState const> configTagIdState;
+    Quill::Ptr<Mpls::Config const> mplsConfig;
+    Quill::Ptr<General::Config const> routingGeneralConfig;
+    Quill::Ptr<ResRibProfileContainer const> resRibProfileContainer;
+    Quill::Ptr<Tunnel::TunnelTable::TunnelRibNameIdMap const> tunnelRibNameIdMap;
+    Quill::Ptr<Rib::Ip::ViaConfig> auxIpViaConfig;
+    Quill::Ptr<Vxlan::VtepSipValidationStatus> vtepSipValidationStatus;
+    RouteListConstPtr srConfig;
+    RouteListConstPtr srConfigDynamic;
+    Quill::Ptr<VrfRouteListTaggedConfig const> srTaggedConfig;
+    Quill::Ptr<VrfRouteListTaggedConfig const> srTaggedDynamicConfig;
+    Quill::Ptr<Input::ConfigByUser const> riConfigByUser;
+    Quill::Ptr<Input::ConfigTaggedByUser const> riConfigTaggedByUser;
+  };
+  [[nodiscard]] static Quill::Ptr<RouteConfigSm> RouteConfigSmIs(Inputs const& inputs) {
+    return Zel::make<RouteConfigSm>(inputs);
+  }
+
+  // ---- Nested machines, one per element of a watched collection.
+
+  // One route of srConfig: a change of one of its attributes becomes the smallest work that
+  // covers it; its removal takes the route out of the status store.
+  class NestedSm_Route : public Zel::NestedSm<RouteConfigSm, RouteKey, Route> {
+   public:
+    using NestedSm::NestedSm;
+    void onAttribute(Zel::AttrId id, void const* key) override;
+    void zelDoZombieReactors(bool marked) override;
+    void handleRouteDelete();
+  };
+
+  // One route of srConfigDynamic, which gives way to a static route of the same key.
+  class NestedSm_RouteDynamic : public Zel::NestedSm<RouteConfigSm, RouteKey, Route> {
+   public:
+    using NestedSm::NestedSm;
+    void onAttribute(Zel::AttrId id, void const* key) override;
+    void zelDoZombieReactors(bool marked) override;
+    void handleRouteDynamicVia(Via const& via);
+    void handleRouteDynamicDelete();
+  };
+
+  // The source route of a leaked route: its tag and its vias are followed.
+  class ZelLeakedRoute : public Zel::Notifiee<Route> {
+   public:
+    ZelLeakedRoute(RouteConfigSm* parent, RouteKey const& key, RouteConstPtr route);
+    void onAttribute(Zel::AttrId id, void const* key) override;
+    void handleLeakedRoute();
+    void handleLeakedRouteVia(Via const& via);
+
+   private:
+    RouteConfigSm* parent_;
+    RouteKey key_;
+  };
+
+  // One entry of leakConfig.
+  class NestedSm_LeakRoute : public Zel::NestedSm<RouteConfigSm, RouteKey, Protocol::LeakRoute> {
+   public:
+    NestedSm_LeakRoute(RouteConfigSm* owner, RouteKey const& key, LeakRouteConstPtr const& leakRoute);
+    void notifierIs(LeakRouteConstPtr leakRoute) override;
+    void zelDoZombieReactors(bool marked) override;
+    // Points the watcher at the route; null drops it, the same route changes nothing.
+    void leakedRouteIs(RouteConstPtr const& route);
+    [[nodiscard]] Quill::Ptr<ZelLeakedRoute> const& leakedRoute() const noexcept { return leakedRoute_; }
+
+   private:
+    Quill::Ptr<ZelLeakedRoute> leakedRoute_;
+  };
+
+  // The route-input list of one user, with a watcher per route of it.
+  class RiZelConfig : public Zel::NestedSm<RouteConfigSm, Quill::String, RouteInput> {
+   public:
+    using ZelSelf = RiZelConfig;
+    class NestedSm_Route : public Zel::NestedSm<RiZelConfig, RouteKey, Route> {
+     public:
+      using NestedSm::NestedSm;
+      void onAttribute(Zel::AttrId id, void const* key) override;
+    };
+
+    RiZelConfig(RouteConfigSm* owner, Quill::String const& name, Quill::Ptr<RouteInput const> const& input);
+    void onAttribute(Zel::AttrId id, void const* key) override;
+    void zelDoZombieReactors(bool marked) override;
+    void handleInitialized();
+    void handleInstall();
+    void handleRouteCommandTagId(Route const& route);
+    void handleUserDelete();
+    [[nodiscard]] Quill::Ptr<SipValidationHelper> const& sipValidationHelper() const noexcept {
+      return sipValidationHelper_;
+    }
+    ZEL_NESTED(RouteKey, NestedSm_Route, route)
+
+   private:
+    Quill::Ptr<SipValidationHelper> sipValidationHelper_;
+  };
+
+  // Hears a tagged-route machine: keys to review (149), then one schedule (148).
+  class ZelTaggedRouteConfigSm : public Zel::Notifiee<TaggedRouteConfigSm> {
+   public:
+    explicit ZelTaggedRouteConfigSm(RouteConfigSm* parent) : parent_(parent) {}
+    void onAttribute(Zel::AttrId id, void const* key) override;
+
+   private:
+    RouteConfigSm* parent_;
+  };
+
+  // The command-tag index of one route-input user.
+  class RiZelTaggedConfig : public Zel::NestedSm<RouteConfigSm, Quill::String, RouteListTaggedConfig> {
+   public:
+    RiZelTaggedConfig(RouteConfigSm* owner, Quill::String const& name,
+                      Quill::Ptr<RouteListTaggedConfig const> const& config);
+    void zelDoZombieReactors(bool marked) override;
+    void handleInitialized();
+    [[nodiscard]] Quill::Ptr<TaggedRouteConfigSm> const& taggedRouteConfigSm() const noexcept {
+      return taggedRouteConfigSm_;
+    }
+
+   private:
+    Quill::Ptr<TaggedRouteConfigSm> taggedRouteConfigSm_;
+    Quill::Ptr<ZelTaggedRouteConfigSm> watcher_;
+  };
+
+  // ---- Reactors and procedures: the review.
+  void handleInitialized();
+  void handleRoute(RouteKey const& key);
+  void putToBacklog(RouteKey const& key) { backlogIs(key); }
+  void handleRouteDynamic(RouteKey const& key);
+  void handleRoutes();
+  void srHandleRoutes();
+  void riHandleRoutes();
+  void doBacklogReview();
+  [[nodiscard]] ReviewState beforeReview() const;
+  void reviewAllRoutes();
+  [[nodiscard]] bool reviewAllRoutesImpl();
+  [[nodiscard]] bool srReviewAllRoutesImpl();
+  [[nodiscard]] bool riReviewAllRoutesImpl();
+  // One walk of a review of all routes over a route list (or the leaked routes); false when it
+  // yielded, with the bookmark at the next key.
+  [[nodiscard]] bool reviewAllRoutesByConfig(RouteList const* config, std::optional<RouteKey>& bookmark);
+  [[nodiscard]] bool reviewAllRoutesByConfig(Protocol::LeakRouteConfig const* config,
+                                             std::optional<RouteKey>& bookmark);
+  void reviewRoute(RouteKey const& key);
+  void srReviewRoute(RouteKey const& key);
+  void riReviewRoute(RouteKey const& key);
+  [[nodiscard]] RouteConstPtr routeFromConfig(RouteKey const& key) const;
+  [[nodiscard]] RouteConstPtr srRouteFromConfig(RouteKey const& key) const;
+  [[nodiscard]] RouteConstPtr riRouteFromConfig(RouteKey const& key) const;
+  void finishReview();
+  void maybeSetRoutesReady();
+  [[nodiscard]] bool isStaticMode() const noexcept { return routingProtocol_ == Rib::RoutingProtocol::staticConfig(); }
+
+  // ---- Programming a route.
+  void handleRouteInit(Route const& route, Vrf::VrfIdMap::VrfId srcVrfId);
+  Quill::Ptr<Protocol::RoutePref> routePrefIs(Route const& route, Vrf::VrfIdMap::VrfId srcVrfId);
+  void handleRouteAttributes(Route const& route, Vrf::VrfIdMap::VrfId srcVrfId);
+  void handleTag(Route const& route, Vrf::VrfIdMap::VrfId srcVrfId);
+  void handleVias(Route const& route, Vrf::VrfIdMap::VrfId srcVrfId, bool ecmpStateChanged);
+  void routePrefAdjustToGlobalPref(Route const& route);
+  void handleGlobalPreference(RoutePreference former);
+  void globalPrefIs(RoutePreference pref);
+  [[nodiscard]] static bool sendToCpu(Route const& route);
+  [[nodiscard]] static Fib::RouteType fibRouteType(RouteType routeType);
+  [[nodiscard]] static Fib::RouteType fibRouteTypeFromRoutingProtocol(std::uint8_t routingProto);
+  void srHandleRouteDelete(Route const& route, bool leaked);
+  void riHandleRouteDelete(Route const& route);
+  void handleRouteDelete(Route const& route, bool leaked);
+  void handleRouteKeyDelete(RouteKey const& key);
+  void handleRouteVia(Route const& route, Via const& via, RouteList const* routeList,
+                      SipValidationHelper* sipValidationHelper);
+  [[nodiscard]] bool handleRouteInitForRouteCache(Route const& route);
+  [[nodiscard]] bool handleRouteDeleteFromRouteCache(Route const& route);
+  [[nodiscard]] bool handleRouteCacheEligibility(Route const& route);
+  void handleRouteNexthopGroupAttributes(Route const& route, Vrf::VrfIdMap::VrfId srcVrfId);
+  void handleNexthopGroup(::NexthopGroup::NexthopGroupEntryKey const& key);
+  [[nodiscard]] bool checkCommandTagInEnabledStatus(ConfigTag::ConfigTagId tagId) const;
+
+  // ---- Vias.
+  void handleVia(Route const& route, Via const& via, Vrf::VrfIdMap::VrfId srcVrfId, bool ecmpStateChanged,
+                 std::uint32_t weight, OptWeight prevWeight);
+  void handleIpVia(Route const& route, Via const& via, Vrf::VrfIdMap::VrfId srcVrfId, bool ecmpStateChanged,
+                   std::uint32_t weight, OptWeight prevWeight);
+  void handleEvpnVia(Route const& route, Via const& via);
+  void handleRouteViaResRibProfileConfig(Route const& route, Via const& via);
+  [[nodiscard]] static Protocol::ViaType getViaType(Rib::ViaContent const& content);
+
+  // ---- Leaked routes.
+  void leakRouteInUseIs(LeakRouteConstPtr const& leakRoute);
+  void handleLeakedRouteDel(RouteKey const& key);
+  void handleLeakedRouteVia(RouteKey const& key, Via const& via);
+
+  // ---- Inter-VRF routes.
+  void addResolvedInterVrfRoute(Route const& route, L3::VrfName const& egressVrf);
+  void addUnresolvedInterVrfRoute(Route const& route, L3::VrfName const& egressVrf);
+  void delResolvedInterVrfRoute(Route const& route, L3::VrfName const& egressVrf);
+  void delUnresolvedInterVrfRoute(Route const& route, L3::VrfName const& egressVrf);
+  [[nodiscard]] static bool anyViaInEgressVrf(Route const& route, L3::VrfName const& egressVrf);
+  void handleInterVrfRoutes(L3::VrfName const& egressVrf);
+  void handleInterVrfRoutesDel(Route const& route);
+  void handleVrfNameToId(L3::VrfName const& vrf);
+  void handleVrfAddition(L3::VrfName const& vrf);
+  void handleVrfDeletion(L3::VrfName const& vrf);
+  void delAllDedupViaKey(Route const& route, Vrf::VrfIdMap::VrfId oldVrfId);
+  void delAllBfdTrackedVias(Route const& route, Vrf::VrfIdMap::VrfId oldVrfId);
+  void addAllDedupViaKey(Route const& route, L3::VrfName const& vrf);
+  [[nodiscard]] Quill::Ptr<Protocol::IntfStatus const> getVrfIntfStatus(L3::VrfName const& vrf,
+                                                                        Ondex::AddressFamily af) const;
+  [[nodiscard]] Vrf::VrfIdMap::VrfId egressVrfId(L3::VrfName const& vrf) const;
+
+  // ---- The re-evaluation walk.
+  void reevaluateAllVias();
+  void handleEcmpStateChanged();
+  void handleResRibProfileUpdate();
+  void handleReevaluatedRoute();
+  void handleWalkFinished();
+
+  // ---- Tagged configuration.
+  void handleVrfTaggedConfig();
+  void handleVrfTaggedDynamicConfig();
+  void handleVrfTaggedConfig(L3::VrfName const& vrfName);
+  void handleVrfTaggedDynamicConfig(L3::VrfName const& vrfName);
+  void vrfTaggedConfigHelper(L3::VrfName const& vrfName, RouteListTaggedConfig const* prevTagColl,
+                             RouteListTaggedConfig const* curTagColl, bool dynamic);
+  void reviewAllTaggedRoutesInVrf(RouteListTaggedConfig const& taggedConfig);
+  void handleReviewBacklogTrigger();
+  void handleReevaluatedKeyTrigger(TaggedRouteConfigSm const& sm);
+
+  // ---- Route-input users.
+  void handleConfigByUser(Quill::String const& name);
+  void handleConfigTaggedByUser(Quill::String const& name);
+  void handleVrfNameStatus();
+
+  // ---- Construction-time values.
+  ZEL_CONST(Protocol::ContainerKey, containerKey)
+  ZEL_CONST(Vrf::VrfIdMap::VrfId, vrfId)
+  ZEL_CONST(Quill::Ptr<Protocol::Status>, status)
+  ZEL_CONST(Quill::Ptr<Rib::Ip::ViaConfig>, ipViaConfig)
+  ZEL_CONST(Quill::Ptr<Rib::Evpn::ViaConfig>, evpnViaConfig)
+  ZEL_CONST(Quill::Ptr<Rib::Ip::ViaConfig>, ipv4DefaultVrfViaConfig)
+  ZEL_CONST(Quill::Ptr<Rib::Ip::ViaConfig>, ipv6DefaultVrfViaConfig)
+  ZEL_CONST(Quill::Ptr<Protocol::VrfReadyStatus>, vrfReadyStatus)
+  ZEL_CONST(Quill::Ptr<RouteCacheRouteHelperSm>, routeCacheRouteHelperSm)
+  ZEL_CONST(Quill::Ptr<AllEgressVrfIntfStatusHelperSm>, allEgressVrfIntfStatusHelperSm)
+  ZEL_CONST(Rib::RoutingProtocol, routingProtocol)
+  ZEL_CONST(Quill::Ptr<ConfigTag::ConfigTagStatus const>, configTagStatus)
+  ZEL_CONST(Quill::Ptr<ConfigTag::ConfigTagIdState const>, configTagIdState)
+  ZEL_CONST(Quill::Ptr<Tunnel::TunnelTable::TunnelRibNameIdMap const>, tunnelRibNameIdMap)
+  ZEL_CONST(Quill::Ptr<Rib::Ip::ViaConfig>, auxIpViaConfig)
+  ZEL_CONST(Quill::Ptr<Vxlan::VtepSipValidationStatus>, vtepSipValidationStatus)
+  ZEL_CONST(L3::VrfName, vrfName)
+  [[nodiscard]] Halyard::TaskScheduler* scheduler() const noexcept { return scheduler_; }
+
+  // ---- Nested machines. Declared first so that the zombie pass runs them in this order.
+  ZEL_NESTED(Quill::String, RiZelConfig, riConfig)
+  ZEL_NESTED(Quill::String, RiZelTaggedConfig, riTaggedConfig)
+  ZEL_NESTED(RouteKey, NestedSm_RouteDynamic, routeDynamic)
+  ZEL_NESTED(RouteKey, NestedSm_Route, route)
+  ZEL_NESTED(RouteKey, NestedSm_LeakRoute, leakRoute)
+
+  // ---- Watched inputs.
+  using VrfNameStatusReactors = Zel::Reactors<
+      Zel::On<Vrf::VrfIdMap::NameToIdMapWrapper::nameToIdMapId, &RouteConfigSm::handleVrfNameStatus>>;
+  ZEL_INPUT(Vrf::VrfIdMap::NameToIdMapWrapper, vrfNameStatus, VrfNameStatusReactors)
+  using IntfStatusReactors =
+      Zel::Reactors<Zel::On<Protocol::IntfStatus::intfStatusChangedId, &RouteConfigSm::handleRoutes>>;
+  ZEL_INPUT(Protocol::IntfStatus, intfStatus, IntfStatusReactors)
+  void handleGrState();
+  using GrStateReactors =
+      Zel::Reactors<Zel::On<Protocol::GrState::startReadyVerificationId, &RouteConfigSm::handleGrState>>;
+  ZEL_INPUT(Protocol::GrState, grState, GrStateReactors)
+  using NexthopGroupReactors =
+      Zel::Reactors<Zel::On<::NexthopGroup::EntryStatus::nhgIdId, &RouteConfigSm::handleNexthopGroup>>;
+  ZEL_INPUT(::NexthopGroup::EntryStatus, nexthopGroupEntryStatus, NexthopGroupReactors)
+  using LeakConfigReactors =
+      Zel::Reactors<Zel::On<Protocol::LeakRouteConfig::leakRouteId, &RouteConfigSm::handleRoute>,
+                    Zel::Reconcile<Protocol::LeakRouteConfig::leakRouteId, &RouteConfigSm::leakRoute_>>;
+  ZEL_INPUT(Protocol::LeakRouteConfig, leakConfig, LeakConfigReactors)
+  using MplsReactors = Zel::Reactors<Zel::On<Mpls::Config::mplsRoutingId, &RouteConfigSm::handleRoutes>>;
+  ZEL_INPUT(Mpls::Config, mplsConfig, MplsReactors)
+  void handleStaticRoutePreference();
+  using GeneralConfigReactors =
+      Zel::Reactors<Zel::On<General::Config::staticRouteEcmpStateId, &RouteConfigSm::handleEcmpStateChanged>,
+                    Zel::On<General::Config::staticRoutePreferenceId, &RouteConfigSm::handleStaticRoutePreference>>;
+  ZEL_INPUT(General::Config, routingGeneralConfig, GeneralConfigReactors)
+  using ResRibProfileReactors = Zel::Reactors<
+      Zel::On<ResRibProfileContainer::resRibProfileId, &RouteConfigSm::handleResRibProfileUpdate>>;
+  ZEL_INPUT(ResRibProfileContainer, resRibProfileContainer, ResRibProfileReactors)
+  void handleSrConfigRoute(RouteKey const& key);
+  void handleSrConfigDynamicRoute(RouteKey const& key);
+  using SrConfigReactors = Zel::Reactors<Zel::On<RouteList::routeId, &RouteConfigSm::handleSrConfigRoute>,
+                                         Zel::Reconcile<RouteList::routeId, &RouteConfigSm::route_>>;
+  ZEL_INPUT(RouteList, srConfig, SrConfigReactors)
+  using SrConfigDynamicReactors =
+      Zel::Reactors<Zel::On<RouteList::routeId, &RouteConfigSm::handleSrConfigDynamicRoute>,
+                    Zel::Reconcile<RouteList::routeId, &RouteConfigSm::routeDynamic_>>;
+  ZEL_INPUT(RouteList, srConfigDynamic, SrConfigDynamicReactors)
+  using SrTaggedReactors = Zel::Reactors<
+      Zel::On<VrfRouteListTaggedConfig::vrfConfigId,
+              static_cast<void (RouteConfigSm::*)(L3::VrfName const&)>(&RouteConfigSm::handleVrfTaggedConfig)>>;
+  ZEL_INPUT(VrfRouteListTaggedConfig, srTaggedConfig, SrTaggedReactors)
+  using SrTaggedDynamicReactors = Zel::Reactors<Zel::On<
+      VrfRouteListTaggedConfig::vrfConfigId,
+      static_cast<void (RouteConfigSm::*)(L3::VrfName const&)>(&RouteConfigSm::handleVrfTaggedDynamicConfig)>>;
+  ZEL_INPUT(VrfRouteListTaggedConfig, srTaggedDynamicConfig, SrTaggedDynamicReactors)
+  using ConfigByUserReactors =
+      Zel::Reactors<Zel::On<Input::ConfigByUser::configId, &RouteConfigSm::handleConfigByUser>>;
+  ZEL_INPUT(Input::ConfigByUser, riConfigByUser, ConfigByUserReactors)
+  using ConfigTaggedByUserReactors =
+      Zel::Reactors<Zel::On<Input::ConfigTaggedByUser::configId, &RouteConfigSm::handleConfigTaggedByUser>>;
+  ZEL_INPUT(Input::ConfigTaggedByUser, riConfigTaggedByUser, ConfigTaggedByUserReactors)
+  using VrfNameToIdReactors =
+      Zel::Reactors<Zel::On<Vrf::VrfIdMap::NameToIdMap::vrfNameToIdId, &RouteConfigSm::handleVrfNameToId>>;
+  ZEL_INPUT(Vrf::VrfIdMap::NameToIdMap, vrfNameToIdMap, VrfNameToIdReactors)
+  using WalkReactors =
+      Zel::Reactors<Zel::On<ViaReevaluateWalkSm::reevaluatedRouteTriggerId, &RouteConfigSm::handleReevaluatedRoute>,
+                    Zel::On<ViaReevaluateWalkSm::walkFinishedTriggerId, &RouteConfigSm::handleWalkFinished>>;
+  ZEL_INPUT(ViaReevaluateWalkSm, viaReevaluateWalkSmInput, WalkReactors)
+
+  // ---- Own state.
+  ZEL_ATTR(bool, ecmpStateChanged, 130)
+  // The preference of routes configured without one; globalPrefIs re-reviews on a change.
+  static constexpr Zel::AttrId globalPrefId = 131;
+  [[nodiscard]] RoutePreference const& globalPref() const noexcept { return globalPref_.get(); }
+  ZEL_ATTR_DEFAULT(RoutePreference, oldGlobalPref, 132, RoutePreference())
+  ZEL_ATTR(Quill::Ptr<ViaReevaluateWalkSm>, viaReevaluateWalkSm, 133)
+  ZEL_ATTR(Quill::Ptr<NexthopGroup::NhgNameRouteKeyMap>, nhgNameRouteKeyMap, 134)
+  ZEL_BACKLOG(RouteKey, backlog)
+  ZEL_ATTR(Quill::Ptr<InterVrfRouteByEgressVrf>, resolvedInterVrfRtCfg, 135)
+  ZEL_ATTR(Quill::Ptr<InterVrfRouteByEgressVrf>, unresolvedInterVrfRtCfg, 136)
+  ZEL_TASK(routeReviewTask, doBacklogReview)
+  ZEL_TASK(reviewAllRoutesTask, reviewAllRoutes)
+  ZEL_MAP(RouteKey, LeakRouteConstPtr, leakRouteInUse, 137)
+  ZEL_ATTR(bool, initialized, 138)
+  ZEL_ATTR(Quill::Ptr<SipValidationHelper>, sipValidationHelper, 139)
+  ZEL_ATTR(Quill::Ptr<TaggedRouteConfigSm>, taggedRouteConfigSm, 140)
+  ZEL_ATTR(Quill::Ptr<TaggedRouteConfigSm>, taggedRouteDynamicConfigSm, 141)
+  ZEL_ATTR(Quill::String, reviewConfigBookmark, 142)
+  [[nodiscard]] std::optional<RouteKey> const& reviewKeyBookmark() const noexcept { return reviewKeyBookmark_; }
+  [[nodiscard]] std::optional<RouteKey> const& reviewKeyBookmarkDynamic() const noexcept {
+    return reviewKeyBookmarkDynamic_;
+  }
+  [[nodiscard]] std::optional<RouteKey> const& reviewKeyBookmarkLeak() const noexcept {
+    return reviewKeyBookmarkLeak_;
+  }
+
+ protected:
+  friend struct Zel::Factory;
+  explicit RouteConfigSm(Inputs const& inputs);
+  ~RouteConfigSm() override;
+  void handleBaseDel();
+
+ private:
+  void viaContentAdd(Protocol::RoutePref& routePref, Rib::ViaContent const& content, char const* what);
+  void taggedWatchersIs();
+
+  Zel::ScalarAttr<RoutePreference> globalPref_{RoutePreference()};
+  Halyard::TaskScheduler* scheduler_;
+  std::optional<RouteKey> reviewKeyBookmark_;
+  std::optional<RouteKey> reviewKeyBookmarkDynamic_;
+  std::optional<RouteKey> reviewKeyBookmarkLeak_;
+  Quill::Ptr<ZelTaggedRouteConfigSm> taggedRouteConfigSmWatcher_;
+  Quill::Ptr<ZelTaggedRouteConfigSm> taggedRouteDynamicConfigSmWatcher_;
+};
+
+}  // namespace Routing::Static

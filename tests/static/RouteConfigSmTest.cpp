@@ -273,6 +273,47 @@ TEST_F(RouteConfigSmTest, EcmpStateChangeRegroupsEveryViaThroughTheWalk) {
   EXPECT_EQ(h.ipViaConfig->viaSize(), 2u) << "the vias are shared by all routes";
 }
 
+TEST_F(RouteConfigSmTest, ResolutionProfileChangeRehandlesDefaultViasOnly) {
+  auto hop = StaticRouteHarness::via("10.0.0.1");
+  h.routeIs(*h.config, "100.0.0.0/8")->viaIs(hop, {});
+  auto own = h.routeIs(*h.config, "101.0.0.0/8");
+  own->viaIs(hop, {});
+  Routing::Rib::ResolutionRibProfileConfig connected;
+  connected.methodAppend(Routing::Rib::ResolutionMethod::systemConnected());
+  own->viaResRibProfileConfigIs(hop, connected);
+  start();
+  EXPECT_EQ(h.viasOf("100.0.0.0/8"), Set{"2: nextHop 10.0.0.1 intf  weight 0"});
+  EXPECT_EQ(h.viasOf("101.0.0.0/8"), Set{"2: nextHop 10.0.0.1 intf  weight 0 profile [system-connected]"});
+
+  Routing::Rib::ResolutionRibProfile tunnels;
+  tunnels.methodAppend(Routing::Rib::ResolutionMethod::tunnelRib("gold"));
+  tunnels.methodAppend(Routing::Rib::ResolutionMethod::systemUnicastRib());
+  h.resRib->resRibProfileIs(tunnels);
+  runToIdle();
+  EXPECT_EQ(h.viasOf("100.0.0.0/8"), (Set{"2: nextHop 10.0.0.1 intf  weight 0",
+                                          "2: nextHop 10.0.0.1 intf  weight 0 profile [tunnel-rib gold, "
+                                          "system-unicast-rib]"}))
+      << "re-handled without clearing: the former via stays until its route is reviewed";
+  EXPECT_EQ(h.viasOf("101.0.0.0/8"), Set{"2: nextHop 10.0.0.1 intf  weight 0 profile [system-connected]"});
+
+  // An IPv6 route through an IPv4 next hop goes to the other family's table, with its label and
+  // the tunnel RIBs of the container profile.
+  StaticRouteHarness v6(Ondex::AddressFamily::ipv6);
+  v6.auxIpViaConfig = Routing::Rib::Ip::ViaConfig::ViaConfigIs(Routing::Rib::RoutingProtocol::staticConfig(),
+                                                               Routing::Rib::Transport::transportIpv4());
+  auto mapped = StaticRouteHarness::via("10.0.0.7");
+  mapped.mplsLabelIs(Ondex::MplsLabel(100));
+  v6.mpls->mplsRoutingIs(true);
+  v6.routeIs(*v6.config, "2001:db8::/32")->viaIs(mapped, {});
+  v6.start(scheduler());
+  runToIdle();
+  EXPECT_EQ(v6.viasOf("2001:db8::/32"),
+            Set{"2: nextHop 10.0.0.7 intf  label 100 weight 0 profile [tunnel-rib system-colored-tunnel-rib, "
+                "tunnel-rib system-tunnel-rib]"});
+  EXPECT_EQ(v6.auxIpViaConfig->viaSize(), 1u);
+  EXPECT_EQ(v6.ipViaConfig->viaSize(), 0u);
+}
+
 // Records the smallest number of vias a preference had at any change.
 class ViaCountWatch : public Zel::Notifiee<Routing::Protocol::DedupViaKeyByViaType> {
  public:

@@ -67,6 +67,7 @@ class StaticRouteHarness {
     in.vrfId = vrfId;
     in.status = status;
     in.ipViaConfig = ipViaConfig;
+    in.auxIpViaConfig = auxIpViaConfig;
     in.intfStatus = intfStatus;
     in.grState = grState;
     in.vrfReadyStatus = grState ? ready : nullptr;

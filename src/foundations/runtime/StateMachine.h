@@ -124,6 +124,18 @@ struct On {
   static void reconcileAll(Owner*, Input const&) {}
 };
 
+// A reactor on every change of an input, whatever the attribute: handleX().
+template <auto Fn>
+struct OnAny {
+  template <class Owner, class Input>
+  static void run(Owner* o, Input const&, AttrId, void const*) {
+    if (o->zelMarkedForDeletion()) return;
+    (o->*Fn)();
+  }
+  template <class Owner, class Input>
+  static void reconcileAll(Owner*, Input const&) {}
+};
+
 // After the reactors of Id: bring the nested machine of the key in line with the input's element.
 template <AttrId Id, auto Member>
 struct Reconcile {

@@ -1,0 +1,215 @@
+// RouteStatusSm reviews the status store of one VRF, address family and RIB, and for every prefix
+// installs the best preference with the usable vias of its most preferred via type and lowest
+// metric: a via set into ViaSetConfig and a route into RouteConfig, or the withdrawal of the route.
+// It also writes the BFD-tracked next hops of its routes. Owned by the protocol container.
+//
+// A change of one prefix's records queues the prefix ("routeBacklogTask"); a global change reviews
+// every prefix in time slices of reviewQuantum ("reviewAllRoutesTask") from a bookmark.
+#pragma once
+
+#include <cstdint>
+
+#include "foundations/records/BfdTrackedStaticRoutes.h"
+#include "foundations/records/GeneralConfig.h"
+#include "foundations/records/VrfReadyStatus.h"
+#include "foundations/rib/IgpResultTable.h"
+#include "foundations/rib/IpViaConfig.h"
+#include "foundations/rib/LoopingRouteStatus.h"
+#include "foundations/rib/NextHopDependencyGraph.h"
+#include "foundations/rib/RouteConfig.h"
+#include "foundations/rib/ViaMetricStatus.h"
+#include "foundations/rib/ViaSet.h"
+#include "foundations/rib/ViaSetConfig.h"
+#include "foundations/rib/ViaStatus.h"
+#include "foundations/runtime/Backlog.h"
+#include "foundations/runtime/HashMap2018.h"
+#include "foundations/runtime/StateMachine.h"
+#include "foundations/runtime/TaskMember.h"
+#include "protocol/ProtocolRouteStatus.h"
+
+namespace Routing::Protocol {
+
+class RouteStatusSm : public Zel::StateMachine<RouteStatusSm> {
+ public:
+  using VrfId = Vrf::VrfIdMap::VrfId;
+  using Prefix = Ondex::IpGenPrefix;
+
+  // The constructor's arguments, in their order; vrfReadyStatus, bfdTrackedRoutesList and
+  // routingGeneralConfig may be null.
+  struct Inputs {
+    L3::VrfName vrfName;
+    Ondex::AddressFamily af;
+    VrfId vrfId;
+    Quill::Ptr<Status> status;
+    Quill::Ptr<Rib::LoopingRouteStatus const> loopingRouteStatus;
+    Quill::Ptr<Rib::Ip::GlobalNextHopDependencyGraph const> nhdGraph;
+    Quill::Ptr<Rib::RouteConfig> ribConfig;
+    Quill::Ptr<Rib::ViaSetConfig> viaSetConfig;
+    Rib::RoutingProtocol routingProtocol;
+    Quill::Ptr<VrfReadyStatus> vrfReadyStatus;
+    Quill::Ptr<BfdTrackedStaticRoutesList> bfdTrackedRoutesList;
+    Quill::Ptr<Rib::Ip::ViaConfig const> ipViaConfig;
+    Quill::Ptr<Rib::Ip::ViaConfig const> auxIpViaConfig;
+    Quill::Ptr<Rib::ViaMetricStatusByVrf const> viaMetricStatusByVrf;
+    Quill::String ribString = "rib";
+    Quill::Ptr<Rib::ViaStatusByVrf const> viaStatusByVrf;
+    Quill::Ptr<General::Config const> routingGeneralConfig;
+    Quill::Ptr<Bgp::IgpResultTable> igpResultTable;
+    Halyard::TaskScheduler* scheduler = nullptr;
+  };
+  [[nodiscard]] static Quill::Ptr<RouteStatusSm> RouteStatusSmIs(Inputs const& inputs) {
+    return Zel::make<RouteStatusSm>(inputs);
+  }
+
+  // ---- Nested machines: the status store, level by level.
+  class NestedSm_RoutePref;
+
+  class NestedSm_DedupViaKeyByViaType : public Zel::NestedSm<NestedSm_RoutePref, ViaType, DedupViaKeyByViaType> {
+   public:
+    using NestedSm::NestedSm;
+    void onAttribute(Zel::AttrId id, void const* key) override;
+  };
+
+  class NestedSm_Route;
+
+  class NestedSm_RoutePref : public Zel::NestedSm<NestedSm_Route, RoutePreference, RoutePref> {
+   public:
+    using ZelSelf = NestedSm_RoutePref;
+    NestedSm_RoutePref(NestedSm_Route* owner, RoutePreference const& pref, Quill::Ptr<RoutePref const> const& e);
+    void onAttribute(Zel::AttrId id, void const* key) override;
+    void zelDoZombieReactors(bool marked) override;
+    void handleBfdTrackedVia(Rib::ViaKey const& viaKey);
+    [[nodiscard]] RouteStatusSm* root() const noexcept;
+    ZEL_NESTED(ViaType, NestedSm_DedupViaKeyByViaType, dedupViaKeyByViaType)
+  };
+
+  class NestedSm_Route : public Zel::NestedSm<RouteStatusSm, Prefix, Route> {
+   public:
+    using ZelSelf = NestedSm_Route;
+    NestedSm_Route(RouteStatusSm* owner, Prefix const& prefix, Quill::Ptr<Route const> const& route);
+    void onAttribute(Zel::AttrId id, void const* key) override;
+    void zelDoZombieReactors(bool marked) override;
+    ZEL_NESTED(RoutePreference, NestedSm_RoutePref, routePref)
+  };
+
+  // ---- Nested machines: the BFD-tracked next hops.
+  class NestedSm_BfdRouteBLA;
+
+  class NestedSm_BfdRoute : public Zel::NestedSm<NestedSm_BfdRouteBLA, Ondex::IpGenAddr, BfdTrackedStaticRoutes> {
+   public:
+    using NestedSm::NestedSm;
+    void onAttribute(Zel::AttrId id, void const* key) override;
+    void handleBfdStatusChange();
+  };
+
+  class NestedSm_BfdRouteBLA
+      : public Zel::NestedSm<RouteStatusSm, BfdStatusKey, BfdTrackedStaticRoutesByLocalAddr> {
+   public:
+    using ZelSelf = NestedSm_BfdRouteBLA;
+    NestedSm_BfdRouteBLA(RouteStatusSm* owner, BfdStatusKey const& key,
+                         Quill::Ptr<BfdTrackedStaticRoutesByLocalAddr const> const& bla);
+    void onAttribute(Zel::AttrId id, void const* key) override;
+    ZEL_NESTED(Ondex::IpGenAddr, NestedSm_BfdRoute, bfdRoute)
+  };
+
+  // ---- Review.
+  void handleInitialized();
+  // A full review, from the first prefix.
+  void handleRoute();
+  // The selection for one prefix.
+  void handleRoute(Prefix const& prefix);
+  void handleRouteForTask(Prefix const& prefix) { handleRoute(prefix); }
+  void updateRouteReviewState(bool done);
+  void doReview();
+  void routeBacklogAdd(Prefix const& prefix);
+  void doRouteBacklogTaskRun();
+  void doAddRouteWithLowestMetric(Prefix const& prefix, RoutePref& routePref, Rib::Skein::ViaSet const& viaSet,
+                                  VrfId srcVrfId, ViaType viaType);
+  void doAddRoute(Prefix const& prefix, RoutePref& routePref, Rib::Skein::ViaSet const& viaSet, VrfId srcVrfId,
+                  RouteMetric metric);
+  void doDelRoute(Prefix const& prefix);
+  void doCleanupRibConfig();
+  void handleLoopingRoute(Prefix const& prefix) { handleRoute(prefix); }
+  void handleStatusInitialized() { doReview(); }
+
+  // ---- Via validation.
+  [[nodiscard]] Quill::Ptr<Rib::ViaMetricStatus> viaMetricStatus(VrfId vrfId, Rib::Transport transport,
+                                                                 Rib::RoutingProtocol protocol) const;
+  [[nodiscard]] ViaResolutionStatus validIpVia(Prefix const& prefix, RoutePreference preference,
+                                               Rib::ViaKey const& viaKey) const;
+  [[nodiscard]] ViaResolutionStatus validEvpnVia(Rib::ViaKey const& viaKey, Rib::ViaKey const& evpnVtepIpViaKey) const;
+  [[nodiscard]] Rib::Via getViaFromKey(Rib::ViaKey const& viaKey) const;
+  [[nodiscard]] Quill::Ptr<BfdTrackedStaticRoutesByLocalAddr> getBfdTrackedRouteBLAFromViaKey(
+      Rib::ViaKey const& viaKey) const;
+  [[nodiscard]] BfdStatusKey bfdStatusKeyOf(Rib::Via const& via) const;
+
+  // ---- BFD-tracked vias.
+  void handleBfdTrackedVia(RouteKey const& routeKey, Rib::ViaKey const& viaKey, Ondex::IpGenAddr const& prevLocalAddr,
+                           Ondex::IpGenAddr const& currLocalAddr, bool add);
+  void handleBfdTrackedViaMultihop(RouteKey const& routeKey, Rib::ViaKey const& viaKey,
+                                   Ondex::IpGenAddr const& prevLocalAddr, Ondex::IpGenAddr const& currLocalAddr,
+                                   bool add);
+  void deleteBfdTrackedVias(Prefix const& prefix, RoutePref const& routePref);
+  void handleBfdRouteBLA(BfdStatusKey const& key);
+
+  // ---- Attributes.
+  ZEL_CONST(L3::VrfName, vrfName)
+  ZEL_CONST(Ondex::AddressFamily, af)
+  ZEL_CONST(VrfId, vrfId)
+  ZEL_CONST(Quill::Ptr<Rib::RouteConfig>, ribConfig)
+  ZEL_CONST(Quill::Ptr<Rib::ViaSetConfig>, viaSetConfig)
+  ZEL_CONST(Rib::RoutingProtocol, routingProtocol)
+  ZEL_CONST(Quill::Ptr<VrfReadyStatus>, vrfReadyStatus)
+  ZEL_CONST(Quill::Ptr<BfdTrackedStaticRoutesList>, bfdTrackedRoutesListWritable)
+  ZEL_CONST(Quill::Ptr<Rib::Ip::ViaConfig const>, ipViaConfig)
+  ZEL_CONST(Quill::Ptr<Rib::Ip::ViaConfig const>, auxIpViaConfig)
+  ZEL_CONST(Quill::Ptr<Rib::ViaMetricStatusByVrf const>, viaMetricStatusByVrf)
+  ZEL_CONST(Quill::String, ribString)
+  ZEL_CONST(bool, rib)
+  ZEL_CONST(Quill::Ptr<Rib::ViaStatusByVrf const>, viaStatusByVrf)
+  ZEL_CONST(Quill::Ptr<Bgp::IgpResultTable>, igpResultTable)
+  [[nodiscard]] Quill::Ptr<Status> const& statusWritable() const noexcept { return statusWritable_; }
+
+  ZEL_NESTED(BfdStatusKey, NestedSm_BfdRouteBLA, bfdRouteBLA)
+  ZEL_NESTED(Prefix, NestedSm_Route, route)
+
+  using StatusReactors = Zel::Reactors<Zel::Reconcile<Status::routeId, &RouteStatusSm::route_>,
+                                       Zel::On<Status::initializedId, &RouteStatusSm::handleStatusInitialized>>;
+  ZEL_INPUT(Status, status, StatusReactors)
+  using LoopingReactors =
+      Zel::Reactors<Zel::On<Rib::LoopingRouteStatus::loopingRouteId, &RouteStatusSm::handleLoopingRoute>>;
+  ZEL_INPUT(Rib::LoopingRouteStatus, loopingRouteStatus, LoopingReactors)
+  using GraphReactors = Zel::Reactors<
+      Zel::OnAny<static_cast<void (RouteStatusSm::*)()>(&RouteStatusSm::handleRoute)>>;
+  ZEL_INPUT(Rib::Ip::GlobalNextHopDependencyGraph, nhdGraph, GraphReactors)
+  using BfdReactors = Zel::Reactors<Zel::On<BfdTrackedStaticRoutesList::routeId, &RouteStatusSm::handleBfdRouteBLA>,
+                                    Zel::Reconcile<BfdTrackedStaticRoutesList::routeId, &RouteStatusSm::bfdRouteBLA_>>;
+  ZEL_INPUT(BfdTrackedStaticRoutesList, bfdTrackedRoutesList, BfdReactors)
+  using GeneralReactors =
+      Zel::Reactors<Zel::On<General::Config::staticMetricTypeAigpId, &RouteStatusSm::doReview>,
+                    Zel::On<General::Config::routeInputMetricTypeAigpId, &RouteStatusSm::doReview>>;
+  ZEL_INPUT(General::Config, routingGeneralConfig, GeneralReactors)
+
+  ZEL_MAP(Prefix, Quill::Ptr<Bgp::IgpResultHandle>, redistIgpResult, 130)
+  ZEL_BACKLOG(Prefix, routeBacklog)
+  ZEL_TASK(routeBacklogTask, doRouteBacklogTaskRun)
+  ZEL_ATTR(Prefix, reviewBookmark, 131)
+  ZEL_ATTR_DEFAULT(double, reviewQuantum, 132, 0.1)
+  ZEL_ATTR(bool, reviewedOnce, 133)
+  ZEL_TASK(reviewAllRoutesTask, doReview)
+  ZEL_ATTR(bool, initialized, 134)
+
+  void zelDoZombieReactors(bool marked) override;
+  [[nodiscard]] bool tearingDown() const noexcept { return tearingDown_; }
+
+ protected:
+  friend struct Zel::Factory;
+  explicit RouteStatusSm(Inputs const& inputs);
+
+ private:
+  Quill::Ptr<Status> statusWritable_;
+  Halyard::TaskScheduler* scheduler_;
+  bool tearingDown_ = false;
+};
+
+}  // namespace Routing::Protocol

@@ -1,0 +1,202 @@
+// RouteStatusSm from configuration to the RIB: routes configured through a RouteConfigSm, the RIB's
+// via metric reports written by the test, the scheduler run to idle, and the route table read.
+#include "protocol/ProtocolRouteStatusSm.h"
+
+#include <gtest/gtest.h>
+
+#include "support/RibHarness.h"
+#include "support/RuntimeFixture.h"
+#include "support/StaticRouteHarness.h"
+
+namespace BowlineTest {
+namespace {
+
+using Routing::RouteViaAttr;
+
+class RouteStatusSmTest : public RuntimeFixture {
+ protected:
+  void start() {
+    h.start(scheduler());
+    rs = rib.routeStatusSmIs(h.vrfName, h.af, h.vrfId, h.status, h.ipViaConfig, scheduler(), h.ready);
+    runToIdle();
+  }
+  void TearDown() override {
+    rs = nullptr;
+    h.stop();
+    RuntimeFixture::TearDown();
+  }
+  // The via key of a next hop in the via table.
+  Routing::Rib::ViaKey keyOf(char const* hop) {
+    for (auto it = h.ipViaConfig->viaIteratorConst(); it; it.advance()) {
+      if (it.value().nextHop() == addr(hop)) return it.key();
+    }
+    ADD_FAILURE() << "no via to " << hop;
+    return {};
+  }
+  // What the via metric machine does for a report: the routes using the via are reviewed.
+  void reported() {
+    for (auto it = h.status->routeIterator(); it; it.advance()) it.value()->routeChangedVersionInc(1);
+    runToIdle();
+  }
+  void resolve(char const* hop, Routing::RouteMetric metric = 1) {
+    rib.report(keyOf(hop), metric);
+    reported();
+  }
+  void unresolve(char const* hop) {
+    rib.reportUnresolved(keyOf(hop));
+    reported();
+  }
+  std::string ribRoute(char const* prefix) { return rib.routeOf(h.vrfId, prefix, *h.ipViaConfig); }
+
+  StaticRouteHarness h;
+  RibHarness rib;
+  Quill::Ptr<Routing::Protocol::RouteStatusSm> rs;
+};
+
+TEST_F(RouteStatusSmTest, FloatingRouteTakesTheWorsePreferenceWhileTheBetterIsUnresolved) {
+  h.routeIs(*h.config, "1.0.0.0/24")->viaIs(StaticRouteHarness::via("10.0.0.1"), {});
+  h.routeIs(*h.config, "1.0.0.0/24", 5)->viaIs(StaticRouteHarness::via("10.0.0.5"), {});
+  start();
+  EXPECT_EQ(ribRoute("1.0.0.0/24"), "") << "no table for the VRF yet: everything unresolved";
+  rib.reportUnresolved(keyOf("10.0.0.1"));
+  resolve("10.0.0.5");
+  EXPECT_EQ(ribRoute("1.0.0.0/24"), "pref 5 metric 0 vias [10.0.0.5]");
+  resolve("10.0.0.1");
+  EXPECT_EQ(ribRoute("1.0.0.0/24"), "pref 1 metric 0 vias [10.0.0.1]");
+  unresolve("10.0.0.1");
+  EXPECT_EQ(ribRoute("1.0.0.0/24"), "pref 5 metric 0 vias [10.0.0.5]");
+  unresolve("10.0.0.5");
+  EXPECT_EQ(ribRoute("1.0.0.0/24"), "");
+}
+
+TEST_F(RouteStatusSmTest, MostPreferredTypeFailingWithoutBfdFallsToTheNextPreference) {
+  h.intfIs("Ethernet1");
+  auto route = h.routeIs(*h.config, "2.0.0.0/24");
+  route->viaIs(StaticRouteHarness::via("10.0.0.1", "Ethernet1"), {});  // type 1
+  route->viaIs(StaticRouteHarness::via("10.0.0.2"), {});               // type 2
+  h.routeIs(*h.config, "2.0.0.0/24", 7)->viaIs(StaticRouteHarness::via("10.0.0.7"), {});
+  start();
+  rib.reportUnresolved(keyOf("10.0.0.1"));
+  rib.report(keyOf("10.0.0.2"));
+  resolve("10.0.0.7");
+  EXPECT_EQ(ribRoute("2.0.0.0/24"), "pref 7 metric 0 vias [10.0.0.7]")
+      << "type 2 is not the most preferred type and is not BFD tracked";
+  resolve("10.0.0.1");
+  EXPECT_EQ(ribRoute("2.0.0.0/24"), "pref 1 metric 0 vias [10.0.0.1]") << "only the first type's via";
+}
+
+TEST_F(RouteStatusSmTest, OnlyTheLowestMetricViasAreInstalled) {
+  auto route = h.routeIs(*h.config, "3.0.0.0/24");
+  route->viaIs(StaticRouteHarness::via("10.0.0.1"), RouteViaAttr(10, 0));
+  route->viaIs(StaticRouteHarness::via("10.0.0.2"), RouteViaAttr(10, 0));
+  route->viaIs(StaticRouteHarness::via("10.0.0.3"), RouteViaAttr(20, 0));
+  start();
+  for (char const* hop : {"10.0.0.1", "10.0.0.2", "10.0.0.3"}) rib.report(keyOf(hop));
+  reported();
+  auto const text = ribRoute("3.0.0.0/24");
+  EXPECT_TRUE(text == "pref 1 metric 10 vias [10.0.0.1 10.0.0.2]" || text == "pref 1 metric 10 vias [10.0.0.2 10.0.0.1]")
+      << text;
+}
+
+TEST_F(RouteStatusSmTest, LabelledViaThrowsOutUnlabelledOnes) {
+  h.mpls->mplsRoutingIs(true);
+  auto route = h.routeIs(*h.config, "4.0.0.0/24");
+  route->viaIs(StaticRouteHarness::via("10.0.0.1"), {});
+  auto labelled = StaticRouteHarness::via("10.0.0.2");
+  labelled.mplsLabelIs(Ondex::MplsLabel(30));
+  route->viaIs(labelled, {});
+  route->viaIs(StaticRouteHarness::via("10.0.0.3"), {});
+  start();
+  for (char const* hop : {"10.0.0.1", "10.0.0.2", "10.0.0.3"}) rib.report(keyOf(hop));
+  reported();
+  EXPECT_EQ(ribRoute("4.0.0.0/24"), "pref 1 metric 0 vias [10.0.0.2]");
+}
+
+TEST_F(RouteStatusSmTest, UndeterminedViaHoldsThePreviousEntry) {
+  auto route = h.routeIs(*h.config, "5.0.0.0/24");
+  route->viaIs(StaticRouteHarness::via("10.0.0.1"), {});
+  start();
+  resolve("10.0.0.1");
+  EXPECT_EQ(ribRoute("5.0.0.0/24"), "pref 1 metric 0 vias [10.0.0.1]");
+  // A new via the RIB has not spoken of yet: the old entry stands, whatever else resolves.
+  route->viaIs(StaticRouteHarness::via("10.0.0.2"), {});
+  runToIdle();
+  reported();
+  EXPECT_EQ(ribRoute("5.0.0.0/24"), "pref 1 metric 0 vias [10.0.0.1]");
+  resolve("10.0.0.2");
+  auto const text = ribRoute("5.0.0.0/24");
+  EXPECT_TRUE(text == "pref 1 metric 0 vias [10.0.0.1 10.0.0.2]" || text == "pref 1 metric 0 vias [10.0.0.2 10.0.0.1]")
+      << text;
+}
+
+TEST_F(RouteStatusSmTest, SixHundredViasAtMost) {
+  auto route = h.routeIs(*h.config, "6.0.0.0/16");
+  for (unsigned i = 0; i < 601; ++i) {
+    std::string hop = "10.1." + std::to_string(i / 250) + "." + std::to_string(i % 250 + 1);
+    route->viaIs(StaticRouteHarness::via(hop.c_str()), RouteViaAttr(i == 600 ? 0 : 5, 0));
+  }
+  start();
+  for (auto it = h.ipViaConfig->viaIteratorConst(); it; it.advance()) rib.report(it.key());
+  reported();
+  Routing::Rib::RouteKey const key(h.vrfId, pfx("6.0.0.0/16"));
+  ASSERT_TRUE(rib.ribConfig->routeHas(key));
+  auto const set = rib.viaSetConfig->configViaSetColl()->viaSet(rib.ribConfig->route(key).viaSetKey());
+  // 600 reach the set; of those, the lowest metric ones stay. Which 600 depends on the hash order,
+  // so the route has either the one via of metric 0 or the 599 or 600 of metric 5.
+  EXPECT_TRUE(set.viaCount() == 1 || set.viaCount() >= 599) << set.viaCount();
+  EXPECT_LE(set.viaCount(), 600u);
+}
+
+TEST_F(RouteStatusSmTest, RestartKeepsOldEntriesUntilTheFirstReviewThenWithdrawsTheStale) {
+  // Entries a previous life left: one route that is still configured and one that is not.
+  Routing::Rib::Route stale;
+  stale.routeKeyIs(Routing::Rib::RouteKey(h.vrfId, pfx("7.0.0.0/8")));
+  rib.ribConfig->routeAdd(stale);
+  Routing::Rib::Route kept;
+  kept.routeKeyIs(Routing::Rib::RouteKey(h.vrfId, pfx("8.0.0.0/8")));
+  rib.ribConfig->routeAdd(kept);
+  h.grState = Routing::Protocol::GrState::GrStateIs(true);
+  h.routeIs(*h.config, "8.0.0.0/8")->viaIs(StaticRouteHarness::via("10.0.0.1"), {});
+  start();
+  EXPECT_TRUE(rib.ribConfig->routeHas(stale.routeKey())) << "nothing reviewed during the restart";
+  EXPECT_TRUE(rib.viaSetConfig->restartingVrfHas(h.vrfName));
+  h.grState->startReadyVerificationIs(true);
+  runToIdle();
+  EXPECT_FALSE(rib.ribConfig->routeHas(stale.routeKey()));
+  EXPECT_FALSE(rib.viaSetConfig->restartingVrfHas(h.vrfName));
+  EXPECT_TRUE(h.ready->v4RouteReviewComplete());
+  resolve("10.0.0.1");
+  EXPECT_EQ(ribRoute("8.0.0.0/8"), "pref 1 metric 0 vias [10.0.0.1]");
+}
+
+TEST_F(RouteStatusSmTest, ZeroQuantumReviewStillAdvancesOnePrefixPerRun) {
+  for (int i = 0; i < 5; ++i) {
+    std::string p = "9.0." + std::to_string(i) + ".0/24";
+    h.routeIs(*h.config, p.c_str(), 1, Routing::RouteType::drop);
+  }
+  h.start(scheduler());
+  runToIdle();
+  rs = rib.routeStatusSmIs(h.vrfName, h.af, h.vrfId, h.status, h.ipViaConfig, scheduler(), h.ready);
+  rs->reviewQuantumIs(0);
+  auto const runsBefore = rs->reviewAllRoutesTask()->taskRuns();
+  runToIdle();
+  EXPECT_EQ(rs->reviewAllRoutesTask()->taskRuns() - runsBefore, 5u);
+  EXPECT_TRUE(rs->reviewedOnce());
+}
+
+TEST_F(RouteStatusSmTest, RouteWithNoNextHopIsInstalledWithTheFlagOfItsFamily) {
+  // Route-input routes of protocol 60 with no via: FIB route type 36 and FEC type 2.
+  h.configByUser = Routing::Input::ConfigByUser::ConfigByUserIs();
+  auto input = Routing::RouteInput::RouteInputIs("agent");
+  input->routingProtoIs(60);
+  input->routeIs(routeKey("11.0.0.0/8"), Routing::RouteType::forward);
+  h.configByUser->configIs(input);
+  h.start(scheduler(), Routing::Rib::RoutingProtocol::routeInput());
+  rs = rib.routeStatusSmIs(h.vrfName, h.af, h.vrfId, h.status, h.ipViaConfig, scheduler(), h.ready,
+                           Routing::Rib::RoutingProtocol::routeInput());
+  runToIdle();
+  EXPECT_EQ(ribRoute("11.0.0.0/8"), "pref 1 metric 4294967295 vias [] flags 2");
+}
+
+}  // namespace
+}  // namespace BowlineTest

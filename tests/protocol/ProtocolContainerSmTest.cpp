@@ -1,0 +1,66 @@
+// The protocol container's assembly, and the container key it is built under.
+#include "protocol/ProtocolContainerSm.h"
+
+#include <gtest/gtest.h>
+
+#include "foundations/rib/ViaConfigLib.h"
+#include "support/RuntimeFixture.h"
+
+namespace BowlineTest {
+namespace {
+
+using Routing::Protocol::ContainerKey;
+
+class ContainerSmTest : public RuntimeFixture {};
+
+TEST(ContainerKeyTest, DefaultVrfSortsFirstAndTheTextRoundTrips) {
+  ContainerKey const d4("default", Ondex::AddressFamily::ipv4);
+  ContainerKey const d6("default", Ondex::AddressFamily::ipv6);
+  ContainerKey const a4("aaa", Ondex::AddressFamily::ipv4);
+  ContainerKey const b4("bbb", Ondex::AddressFamily::ipv4);
+  EXPECT_TRUE(d6 < a4);
+  EXPECT_TRUE(d4 < d6);
+  EXPECT_TRUE(a4 < b4);
+  EXPECT_FALSE(a4 < d4);
+  EXPECT_FALSE(bool(ContainerKey()));
+  EXPECT_TRUE(bool(a4));
+  std::string const text = valueToStrep(a4);
+  EXPECT_EQ(text, "Value('Routing::Protocol::ContainerKey', ** {'vrfName': 'aaa', 'af': 'ipv4'})");
+  EXPECT_EQ(ContainerKey::fromStrep(text), a4);
+  EXPECT_FALSE(ContainerKey::fromStrep("Value('Routing::Protocol::ContainerKey', ** {'vrfName': 'aaa'})"));
+  EXPECT_THROW(ContainerKey(std::string(101, 'v'), Ondex::AddressFamily::ipv4), Quill::Exception);
+}
+
+TEST_F(ContainerSmTest, BuildsItsChildrenAndDrivesOnlyAPerVrfViaTable) {
+  auto const live = liveSinceStart();
+  {
+    Routing::Protocol::ContainerSm::Inputs in;
+    in.containerKey = ContainerKey("red", Ondex::AddressFamily::ipv6);
+    in.vrfId = 9;
+    in.ipViaConfig = Routing::Rib::Ip::ViaConfig::ViaConfigIs(Routing::Rib::RoutingProtocol::staticConfig(),
+                                                              Routing::Rib::Transport::transportIpv6());
+    in.viaSetConfig = Routing::Rib::ViaSetConfig::ViaSetConfigIs(
+        Routing::Rib::ViaSetConfigKey(Routing::Rib::RoutingProtocol::staticConfig()));
+    in.ribConfig = Routing::Rib::RouteConfig::RouteConfigIs();
+    in.intfStatus = Routing::Protocol::Ipv6IntfStatus::Ipv6IntfStatusIs(nullptr);
+    in.scheduler = scheduler();
+    auto perVrf = Routing::Protocol::ContainerSm::ContainerSmIs(in);
+    EXPECT_TRUE(perVrf->ipViaConfigSm());
+    ASSERT_TRUE(perVrf->status());
+    EXPECT_EQ(perVrf->status()->key().vrfId, Vrf::VrfIdMap::VrfId(9));
+    EXPECT_EQ(perVrf->status()->key().af, Ondex::AddressFamily::ipv6);
+    EXPECT_TRUE(perVrf->routeStatusSm());
+    EXPECT_TRUE(perVrf->intfSm());
+
+    Routing::ViaConfigLib::allVrfViaConfigIs("staticConfig", "ipv6", "rib");
+    auto allVrf = Routing::Protocol::ContainerSm::ContainerSmIs(in);
+    EXPECT_FALSE(allVrf->ipViaConfigSm());
+    Routing::ViaConfigLib::allVrfViaConfigDel("staticConfig", "ipv6", "rib");
+    runToIdle();
+  }
+  runToIdle();
+  EXPECT_EQ(liveSinceStart(), live);
+}
+
+}  // namespace
+}  // namespace BowlineTest

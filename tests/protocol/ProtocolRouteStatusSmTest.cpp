@@ -198,5 +198,36 @@ TEST_F(RouteStatusSmTest, RouteWithNoNextHopIsInstalledWithTheFlagOfItsFamily) {
   EXPECT_EQ(ribRoute("11.0.0.0/8"), "pref 1 metric 4294967295 vias [] flags 2");
 }
 
+TEST_F(RouteStatusSmTest, BfdTrackedViaFollowsItsSessionAndIsRecordedPerPeer) {
+  rib.bfdTrackedRoutesList = Routing::BfdTrackedStaticRoutesList::BfdTrackedStaticRoutesListIs(h.vrfName);
+  auto tracked = StaticRouteHarness::via("10.0.0.1");
+  auto route = h.routeIs(*h.config, "12.0.0.0/8");
+  route->viaIs(tracked, {});
+  route->bfdTrackedIs(tracked);
+  start();
+  resolve("10.0.0.1");
+  Routing::BfdStatusKey const peer(addr("10.0.0.1"), Ondex::IntfId());
+  auto bla = rib.bfdTrackedRoutesList->route(peer);
+  ASSERT_TRUE(bla);
+  auto session = bla->bfdRoute(Ondex::IpGenAddr());
+  ASSERT_TRUE(session);
+  EXPECT_TRUE(session->dependantRoute(routeKey("12.0.0.0/8"))->trackedViaHas(tracked));
+  EXPECT_EQ(ribRoute("12.0.0.0/8"), "") << "a new session starts down";
+
+  session->resolvedIntfIs(Ondex::IntfId("Ethernet1"));
+  session->statusIs(true);
+  runToIdle();
+  EXPECT_EQ(ribRoute("12.0.0.0/8"), "pref 1 metric 0 vias [10.0.0.1]");
+  session->statusIs(false);
+  runToIdle();
+  EXPECT_EQ(ribRoute("12.0.0.0/8"), "");
+
+  // The via is no longer tracked: the session record goes with its last route.
+  route->bfdTrackedDel(tracked);
+  runToIdle();
+  EXPECT_FALSE(rib.bfdTrackedRoutesList->routeHas(peer));
+  EXPECT_EQ(ribRoute("12.0.0.0/8"), "pref 1 metric 0 vias [10.0.0.1]");
+}
+
 }  // namespace
 }  // namespace BowlineTest

@@ -7,14 +7,12 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdio>
-#include <map>
 #include <memory>
 #include <random>
-#include <string>
 #include <unordered_map>
 #include <vector>
 
+#include "../support/RatioReporter.h"
 #include "foundations/runtime/HashMap2018.h"
 #include "foundations/types/IpGenPrefix.h"
 
@@ -196,36 +194,6 @@ BENCHMARK_TEMPLATE(BM_Iterate, StdOps)->Unit(benchmark::kMillisecond)->MinTime(2
 BENCHMARK_TEMPLATE(BM_Erase, OursOps)->Unit(benchmark::kMillisecond)->MinTime(2);
 BENCHMARK_TEMPLATE(BM_Erase, StdOps)->Unit(benchmark::kMillisecond)->MinTime(2);
 
-// Prints the runs as usual, then ours / std for each operation and for memory.
-class RatioReporter : public benchmark::ConsoleReporter {
- public:
-  void ReportRuns(std::vector<Run> const& runs) override {
-    for (Run const& r : runs) {
-      std::string name = r.benchmark_name();
-      bool ours = name.find("OursOps") != std::string::npos;
-      std::string op = name.substr(0, name.find('<'));
-      (ours ? ours_ : std_)[op] = r.GetAdjustedCPUTime();
-      if (auto b = r.counters.find("bytes/elem"); b != r.counters.end()) {
-        (ours ? ours_ : std_)["bytes/elem"] = b->second.value;
-      }
-    }
-    ConsoleReporter::ReportRuns(runs);
-  }
-  void printRatios() const {
-    std::printf("\nratio ours/std (below 1: ours is faster or smaller)\n");
-    for (auto const& [op, t] : ours_) {
-      auto s = std_.find(op);
-      if (s != std_.end() && s->second > 0) {
-        std::printf("  %-12s %6.3f   (ours %.2f, std %.2f)\n", op.c_str(), t / s->second, t, s->second);
-      }
-    }
-  }
-
- private:
-  std::map<std::string, double> ours_;
-  std::map<std::string, double> std_;
-};
-
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -235,9 +203,9 @@ int main(int argc, char** argv) {
   mallopt(M_TRIM_THRESHOLD, 1 << 30);
   mallopt(M_MMAP_THRESHOLD, 1 << 30);
   benchmark::Initialize(&argc, argv);
-  RatioReporter reporter;
+  BowlineBench::RatioReporter reporter;
   benchmark::RunSpecifiedBenchmarks(&reporter);
-  reporter.printRatios();
+  reporter.printPairs(BowlineBench::RatioReporter::byTemplateArgument("OursOps"), {"bytes/elem"}, "ours", "std");
   benchmark::Shutdown();
   return 0;
 }

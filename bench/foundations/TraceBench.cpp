@@ -3,10 +3,9 @@
 // statement. After the table, every case is given as a ratio to the two baselines of this run.
 #include <benchmark/benchmark.h>
 
-#include <cstdio>
-#include <map>
 #include <string>
 
+#include "../support/RatioReporter.h"
 #include "foundations/runtime/Dualog.h"
 #include "foundations/runtime/Flit.h"
 #include "foundations/runtime/Trace.h"
@@ -102,38 +101,15 @@ void BM_FlitStatement(benchmark::State& state) {
 }
 BENCHMARK(BM_FlitStatement)->Threads(1)->Threads(2);
 
-// The console table as usual, then each case's CPU time (steadier than wall time on a shared
-// machine) as a ratio to the two baselines of this run.
-class RatioReporter : public benchmark::ConsoleReporter {
- public:
-  void ReportRuns(std::vector<Run> const& runs) override {
-    ConsoleReporter::ReportRuns(runs);
-    for (auto const& run : runs) {
-      if (run.run_type == Run::RT_Iteration) times_[run.benchmark_name()] = run.GetAdjustedCPUTime();
-    }
-  }
-  void Finalize() override {
-    ConsoleReporter::Finalize();
-    double const empty = times_.count("BM_EmptyLoop") ? times_["BM_EmptyLoop"] : 0;
-    double const build = times_.count("BM_BuildArguments") ? times_["BM_BuildArguments"] : 0;
-    if (empty <= 0 || build <= 0) return;
-    std::printf("\n%-36s %10s %12s %16s\n", "case", "cpu ns", "/ empty loop", "/ build args");
-    for (auto const& [name, time] : times_) {
-      std::printf("%-36s %10.2f %12.2f %16.4f\n", name.c_str(), time, time / empty, time / build);
-    }
-  }
-
- private:
-  std::map<std::string, double> times_;
-};
-
 }  // namespace
 
 int main(int argc, char** argv) {
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
-  RatioReporter reporter;
+  // CPU time, steadier than wall time on a shared machine, against the two baselines of this run.
+  BowlineBench::RatioReporter reporter;
   benchmark::RunSpecifiedBenchmarks(&reporter);
+  reporter.printAgainst({"BM_EmptyLoop", "BM_BuildArguments"});
   benchmark::Shutdown();
   return 0;
 }

@@ -8,14 +8,12 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdio>
 #include <cstdlib>
-#include <map>
 #include <memory>
-#include <string>
 #include <unordered_map>
 #include <vector>
 
+#include "../../support/RatioReporter.h"
 #include "foundations/records/RouteList.h"
 #include "foundations/runtime/Slab.h"
 
@@ -197,43 +195,13 @@ BENCHMARK_TEMPLATE(BM_Lookup, PlainOps)->Unit(benchmark::kMillisecond)->MinTime(
 BENCHMARK_TEMPLATE(BM_ViaHash, OursHash)->Unit(benchmark::kMillisecond)->MinTime(1);
 BENCHMARK_TEMPLATE(BM_ViaHash, PlainHash)->Unit(benchmark::kMillisecond)->MinTime(1);
 
-// Prints the runs as usual, then ours / baseline for each measure.
-class RatioReporter : public benchmark::ConsoleReporter {
- public:
-  void ReportRuns(std::vector<Run> const& runs) override {
-    for (Run const& r : runs) {
-      std::string const name = r.benchmark_name();
-      bool const ours = name.find("Ours") != std::string::npos;
-      std::string const op = name.substr(0, name.find('<'));
-      (ours ? ours_ : base_)[op] = r.GetAdjustedCPUTime();
-      if (auto b = r.counters.find("bytes/route"); b != r.counters.end()) {
-        (ours ? ours_ : base_)["bytes/route"] = b->second.value;
-      }
-    }
-    ConsoleReporter::ReportRuns(runs);
-  }
-  void printRatios() const {
-    std::printf("\nratio ours/baseline (below 1: ours is faster or smaller)\n");
-    for (auto const& [op, t] : ours_) {
-      auto b = base_.find(op);
-      if (b != base_.end() && b->second > 0) {
-        std::printf("  %-12s %6.3f   (ours %.2f, baseline %.2f)\n", op.c_str(), t / b->second, t, b->second);
-      }
-    }
-  }
-
- private:
-  std::map<std::string, double> ours_;
-  std::map<std::string, double> base_;
-};
-
 }  // namespace
 
 int main(int argc, char** argv) {
   benchmark::Initialize(&argc, argv);
-  RatioReporter reporter;
+  BowlineBench::RatioReporter reporter;
   benchmark::RunSpecifiedBenchmarks(&reporter);
-  reporter.printRatios();
+  reporter.printPairs(BowlineBench::RatioReporter::byTemplateArgument("Ours"), {"bytes/route"});
   benchmark::Shutdown();
   return 0;
 }

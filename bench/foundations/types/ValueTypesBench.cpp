@@ -11,11 +11,11 @@
 #include <cstdio>
 #include <cstring>
 #include <functional>
-#include <map>
 #include <random>
 #include <string>
 #include <vector>
 
+#include "../../support/RatioReporter.h"
 #include "foundations/types/IntfId.h"
 #include "foundations/types/IpGenPrefix.h"
 
@@ -223,43 +223,15 @@ BENCHMARK(BM_IntfHash_base);
 BENCHMARK(BM_PrefixParse_ours);
 BENCHMARK(BM_PrefixParse_base);
 
-// Prints the usual table, then for each BM_<op>_ours the ratio of its time per item to BM_<op>_base.
-class OursOverBase : public benchmark::ConsoleReporter {
- public:
-  void ReportRuns(std::vector<Run> const& runs) override {
-    for (Run const& r : runs) {
-      std::string name = r.benchmark_name();
-      auto const cut = name.rfind('_');
-      auto const it = r.counters.find("ns/item");
-      if (cut == std::string::npos || it == r.counters.end()) continue;
-      perItem_[name.substr(0, cut)][name.substr(cut + 1)] = it->second;
-    }
-    ConsoleReporter::ReportRuns(runs);
-  }
-  void printRatios() const {
-    std::printf("\nours / baseline, time per item (below 1: ours is faster)\n");
-    for (auto const& [op, sides] : perItem_) {
-      auto ours = sides.find("ours");
-      auto base = sides.find("base");
-      if (ours == sides.end() || base == sides.end()) continue;
-      std::printf("  %-18s %6.2f   (ours %.2f ns, baseline %.2f ns)\n", op.c_str() + 3, ours->second / base->second,
-                  ours->second * 1e9, base->second * 1e9);
-    }
-    std::printf("  sizeof: IpGenAddr %zu, IpGenPrefix %zu, IntfId %zu (std::string %zu)\n", sizeof(IpGenAddr),
-                sizeof(IpGenPrefix), sizeof(IntfId), sizeof(std::string));
-  }
-
- private:
-  std::map<std::string, std::map<std::string, double>> perItem_;
-};
-
 }  // namespace
 
 int main(int argc, char** argv) {
   benchmark::Initialize(&argc, argv);
-  OursOverBase reporter;
+  BowlineBench::RatioReporter reporter;
   benchmark::RunSpecifiedBenchmarks(&reporter);
-  reporter.printRatios();
+  reporter.printPairs(BowlineBench::RatioReporter::bySuffix("ours", "base"));
+  std::printf("  sizeof: IpGenAddr %zu, IpGenPrefix %zu, IntfId %zu (std::string %zu)\n", sizeof(IpGenAddr),
+              sizeof(IpGenPrefix), sizeof(IntfId), sizeof(std::string));
   benchmark::Shutdown();
   return 0;
 }

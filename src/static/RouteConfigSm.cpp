@@ -1087,6 +1087,8 @@ void RouteConfigSm::RiZelConfig::handleUserDelete() {
   for (auto it = route_.map().iterator(); it; it.advance()) {
     auto nested = it.value();
     owner()->handleRouteKeyDelete(it.key());
+    // Another user may configure the same key: the review of the key puts its route back.
+    owner()->handleRoute(it.key());
     if (sipValidationHelper_ && nested->notifier())
       sipValidationHelper_->doRouteVtepSipValidationDelete(*nested->notifier());
   }

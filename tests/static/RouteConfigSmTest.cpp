@@ -478,9 +478,12 @@ TEST_F(RouteConfigSmTest, RouteInputModeTakesTheFirstUserWithAnEnabledTag) {
   EXPECT_EQ(h.viasOf("90.0.0.0/8").size(), 2u) << "both users' vias, old and new, under one key";
   EXPECT_EQ(h.routePref("90.0.0.0/8")->fibRouteType(), first == "agentA" ? 36 : 35);
 
-  // The user's list goes: its routes leave the store.
-  h.configByUser->configDel("agentA");
-  h.configByUser->configDel("agentB");
+  // The first user's list goes: the other user's route of the key takes its place.
+  h.configByUser->configDel(first);
+  runToIdle();
+  EXPECT_EQ(h.viasOf("90.0.0.0/8"), Set{"4: nextHop " + secondHop + " intf  weight 0"});
+  // The last list goes: the key leaves the store.
+  h.configByUser->configDel(first == "agentA" ? "agentB" : "agentA");
   runToIdle();
   EXPECT_EQ(h.status->route(pfx("90.0.0.0/8")), nullptr);
 }

@@ -877,34 +877,37 @@ void RouteConfigSm::handleConfigTaggedByUser(Quill::String const& name) {
 // ---------------------------------------------------------------------------------------------
 // Nested machines.
 
-void RouteConfigSm::NestedSm_Route::onAttribute(Zel::AttrId id, void const* key) {
-  RouteConfigSm* parent = owner();
-  auto route = notifier();
-  if (!route || parent->zelMarkedForDeletion()) return;
+bool RouteConfigSm::handleRouteAttributeChange(Route const& route, Zel::AttrId id, bool nexthopGroupWeight) {
   switch (id) {
     case Route::tagId:
     case Route::commandTagIdId:
     case Route::routeAttributesId:
-      parent->handleRoute(this->key());
-      break;
+      handleRoute(route.key());
+      return true;
+    case Route::nexthopGroupWeightId:
+      if (nexthopGroupWeight) handleRouteNexthopGroupAttributes(route, vrfId_);
+      return true;
     case Route::nexthopGroupNameId:
     case Route::nexthopGroupMetricId:
-    case Route::nexthopGroupWeightId:
-      parent->handleRouteNexthopGroupAttributes(*route, parent->vrfId());
-      break;
+      handleRouteNexthopGroupAttributes(route, vrfId_);
+      return true;
     case Route::ribBypassId:
-      parent->handleRouteInit(*route, parent->vrfId());
-      break;
-    case Route::viaId:
-    case Route::bfdTrackedId:
-      parent->handleRouteVia(*route, *static_cast<Via const*>(key), parent->srConfig().get(),
-                             parent->sipValidationHelper().get());
-      break;
-    case Route::viaResRibProfileConfigId:
-      parent->handleRouteViaResRibProfileConfig(*route, *static_cast<Via const*>(key));
-      break;
+      handleRouteInit(route, vrfId_);
+      return true;
     default:
-      break;
+      return false;
+  }
+}
+
+void RouteConfigSm::NestedSm_Route::onAttribute(Zel::AttrId id, void const* key) {
+  RouteConfigSm* parent = owner();
+  auto route = notifier();
+  if (!route || parent->zelMarkedForDeletion() || parent->handleRouteAttributeChange(*route, id, true)) return;
+  if (id == Route::viaId || id == Route::bfdTrackedId) {
+    parent->handleRouteVia(*route, *static_cast<Via const*>(key), parent->srConfig().get(),
+                           parent->sipValidationHelper().get());
+  } else if (id == Route::viaResRibProfileConfigId) {
+    parent->handleRouteViaResRibProfileConfig(*route, *static_cast<Via const*>(key));
   }
 }
 
@@ -930,29 +933,13 @@ void RouteConfigSm::NestedSm_Route::handleRouteDelete() {
 void RouteConfigSm::NestedSm_RouteDynamic::onAttribute(Zel::AttrId id, void const* key) {
   RouteConfigSm* parent = owner();
   auto route = notifier();
-  if (!route || parent->zelMarkedForDeletion()) return;
-  switch (id) {
-    case Route::tagId:
-    case Route::commandTagIdId:
-    case Route::routeAttributesId:
-      parent->handleRoute(this->key());
-      break;
-    case Route::nexthopGroupNameId:
-    case Route::nexthopGroupMetricId:
-      parent->handleRouteNexthopGroupAttributes(*route, parent->vrfId());
-      break;
-    case Route::ribBypassId:
-      parent->handleRouteInit(*route, parent->vrfId());
-      break;
-    case Route::viaId:
-      handleRouteDynamicVia(*static_cast<Via const*>(key));
-      break;
-    case Route::bfdTrackedId:
-      parent->handleRouteVia(*route, *static_cast<Via const*>(key), parent->srConfigDynamic().get(),
-                             parent->sipValidationHelper().get());
-      break;
-    default:
-      break;
+  // A dynamic route's next-hop group weight and resolution profiles have no reactor.
+  if (!route || parent->zelMarkedForDeletion() || parent->handleRouteAttributeChange(*route, id, false)) return;
+  if (id == Route::viaId) {
+    handleRouteDynamicVia(*static_cast<Via const*>(key));
+  } else if (id == Route::bfdTrackedId) {
+    parent->handleRouteVia(*route, *static_cast<Via const*>(key), parent->srConfigDynamic().get(),
+                           parent->sipValidationHelper().get());
   }
 }
 
@@ -1104,29 +1091,13 @@ void RouteConfigSm::RiZelConfig::NestedSm_Route::onAttribute(Zel::AttrId id, voi
   RouteConfigSm* parent = config->owner();
   auto route = notifier();
   if (!route || config->zelMarkedForDeletion() || parent->zelMarkedForDeletion()) return;
-  switch (id) {
-    case Route::tagId:
-    case Route::routeAttributesId:
-      parent->handleRoute(this->key());
-      break;
-    case Route::commandTagIdId:
-      config->handleRouteCommandTagId(*route);
-      break;
-    case Route::nexthopGroupNameId:
-    case Route::nexthopGroupMetricId:
-    case Route::nexthopGroupWeightId:
-      parent->handleRouteNexthopGroupAttributes(*route, parent->vrfId());
-      break;
-    case Route::ribBypassId:
-      parent->handleRouteInit(*route, parent->vrfId());
-      break;
-    case Route::viaId:
-    case Route::bfdTrackedId:
-      parent->handleRouteVia(*route, *static_cast<Via const*>(key), config->notifier().get(),
-                             config->sipValidationHelper().get());
-      break;
-    default:
-      break;
+  if (id == Route::commandTagIdId) {
+    config->handleRouteCommandTagId(*route);
+  } else if (parent->handleRouteAttributeChange(*route, id, true)) {
+    return;
+  } else if (id == Route::viaId || id == Route::bfdTrackedId) {
+    parent->handleRouteVia(*route, *static_cast<Via const*>(key), config->notifier().get(),
+                           config->sipValidationHelper().get());
   }
 }
 

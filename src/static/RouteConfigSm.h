@@ -241,6 +241,10 @@ class RouteConfigSm : public Zel::StateMachine<RouteConfigSm> {
   void handleRouteKeyDelete(RouteKey const& key);
   void handleRouteVia(Route const& route, Via const& via, RouteList const* routeList,
                       SipValidationHelper* sipValidationHelper);
+  // What every watcher of a configured route does with a change of one of the route's own
+  // attributes (not its vias); false for any other attribute. nexthopGroupWeight: whether a change
+  // of the next-hop group weight is followed.
+  bool handleRouteAttributeChange(Route const& route, Zel::AttrId id, bool nexthopGroupWeight);
   [[nodiscard]] bool handleRouteInitForRouteCache(Route const& route);
   [[nodiscard]] bool handleRouteDeleteFromRouteCache(Route const& route);
   [[nodiscard]] bool handleRouteCacheEligibility(Route const& route);

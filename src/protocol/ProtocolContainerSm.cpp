@@ -7,7 +7,15 @@ ZEL_TRACE_FACILITY("IpRib::ProtocolRootSm");
 
 namespace Routing::Protocol {
 
-ContainerSm::ContainerSm(Inputs const& inputs) : inputs_(inputs) { handleInitialized(); }
+ContainerSm::ContainerSm(Inputs const& inputs) : inputs_(inputs), statusDir_(inputs.routeStatusDir) {
+  handleInitialized();
+}
+
+ContainerSm::~ContainerSm() {
+  // The store leaves the family's directory with its container.
+  auto const s = status();
+  if (statusDir_ && s && statusDir_->status(s->key()) == s) statusDir_->statusDel(s->key());
+}
 
 void ContainerSm::handleInitialized() {
   TRACE(8, "Vrf: " << inputs_.containerKey.vrfName() << ", ContainerSm::handleInitialized");

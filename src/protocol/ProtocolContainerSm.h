@@ -51,6 +51,9 @@ class ContainerSm : public Zel::StateMachine<ContainerSm> {
     Quill::Ptr<General::Config const> routingGeneralConfig;
     Quill::Ptr<Bgp::IgpResultTable> igpResultTable;
     Halyard::TaskScheduler* scheduler = nullptr;
+    // The status stores of the family, which the via metric machine watches (the protocol root's);
+    // without one the container keeps its store in a directory of its own.
+    Quill::Ptr<RouteStatusDir> routeStatusDir;
   };
   [[nodiscard]] static Quill::Ptr<ContainerSm> ContainerSmIs(Inputs const& inputs) {
     return Zel::make<ContainerSm>(inputs);
@@ -74,12 +77,12 @@ class ContainerSm : public Zel::StateMachine<ContainerSm> {
   ZEL_ATTR(bool, initialized, 134)
 
  protected:
+  ~ContainerSm() override;
   friend struct Zel::Factory;
   explicit ContainerSm(Inputs const& inputs);
 
  private:
   Inputs inputs_;
-  // The status store lives in a directory of its own, so that its key is unique to this container.
   Quill::Ptr<RouteStatusDir> statusDir_;
 };
 

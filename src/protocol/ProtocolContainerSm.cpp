@@ -11,10 +11,13 @@ ContainerSm::ContainerSm(Inputs const& inputs) : inputs_(inputs), statusDir_(inp
   handleInitialized();
 }
 
-ContainerSm::~ContainerSm() {
+void ContainerSm::zelDoZombieReactors(bool marked) {
   // The store leaves the family's directory with its container.
-  auto const s = status();
-  if (statusDir_ && s && statusDir_->status(s->key()) == s) statusDir_->statusDel(s->key());
+  if (marked && !zelMarkedForDeletion()) {
+    auto const s = status();
+    if (statusDir_ && s && statusDir_->status(s->key()) == s) statusDir_->statusDel(s->key());
+  }
+  StateMachine::zelDoZombieReactors(marked);
 }
 
 void ContainerSm::handleInitialized() {

@@ -75,9 +75,9 @@ class ContainerSm : public Zel::StateMachine<ContainerSm> {
   ZEL_ATTR(Quill::Ptr<Rib::Ip::ViaConfigSm>, ipViaConfigSm, 132)
   ZEL_ATTR(Quill::Ptr<IntfSm>, intfSm, 133)
   ZEL_ATTR(bool, initialized, 134)
+  void zelDoZombieReactors(bool marked) override;
 
  protected:
-  ~ContainerSm() override;
   friend struct Zel::Factory;
   explicit ContainerSm(Inputs const& inputs);
 

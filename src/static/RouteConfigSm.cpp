@@ -73,7 +73,12 @@ RouteConfigSm::RouteConfigSm(Inputs const& in)
   }
 }
 
-RouteConfigSm::~RouteConfigSm() { handleBaseDel(); }
+void RouteConfigSm::zelDoZombieReactors(bool marked) {
+  bool const deleting = marked && !zelMarkedForDeletion();
+  StateMachine::zelDoZombieReactors(marked);
+  // After the nested delete handlers, before the members go: the destructor itself does nothing.
+  if (deleting) handleBaseDel();
+}
 
 void RouteConfigSm::handleBaseDel() {
   RC_TRACE(8, "handleBaseDel");

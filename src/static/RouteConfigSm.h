@@ -423,8 +423,10 @@ class RouteConfigSm : public Zel::StateMachine<RouteConfigSm> {
  protected:
   friend struct Zel::Factory;
   explicit RouteConfigSm(Inputs const& inputs);
-  ~RouteConfigSm() override;
   void handleBaseDel();
+
+ public:
+  void zelDoZombieReactors(bool marked) override;
 
  private:
   void viaContentAdd(Protocol::RoutePref& routePref, Rib::ViaContent const& content, char const* what);

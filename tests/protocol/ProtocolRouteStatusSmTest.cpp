@@ -15,6 +15,10 @@ using Routing::RouteViaAttr;
 
 class RouteStatusSmTest : public RuntimeFixture {
  protected:
+  void SetUp() override {
+    RuntimeFixture::SetUp();
+    rib.viaMetricStatusSmIs(h.statusDir);
+  }
   void start() {
     h.start(scheduler());
     rs = rib.routeStatusSmIs(h.vrfName, h.af, h.vrfId, h.status, h.ipViaConfig, scheduler(), h.ready);
@@ -22,6 +26,7 @@ class RouteStatusSmTest : public RuntimeFixture {
   }
   void TearDown() override {
     rs = nullptr;
+    rib.vms = nullptr;
     h.stop();
     RuntimeFixture::TearDown();
   }
@@ -33,11 +38,7 @@ class RouteStatusSmTest : public RuntimeFixture {
     ADD_FAILURE() << "no via to " << hop;
     return {};
   }
-  // What the via metric machine does for a report: the routes using the via are reviewed.
-  void reported() {
-    for (auto it = h.status->routeIterator(); it; it.advance()) it.value()->routeChangedVersionInc(1);
-    runToIdle();
-  }
+  void reported() { runToIdle(); }
   void resolve(char const* hop, Routing::RouteMetric metric = 1) {
     rib.report(keyOf(hop), metric);
     reported();
@@ -227,6 +228,27 @@ TEST_F(RouteStatusSmTest, BfdTrackedViaFollowsItsSessionAndIsRecordedPerPeer) {
   runToIdle();
   EXPECT_FALSE(rib.bfdTrackedRoutesList->routeHas(peer));
   EXPECT_EQ(ribRoute("12.0.0.0/8"), "pref 1 metric 0 vias [10.0.0.1]");
+}
+
+TEST_F(RouteStatusSmTest, ReportOnAViaSharedByRoutesOfTwoVrfsReachesBoth) {
+  StaticRouteHarness red(Ondex::AddressFamily::ipv4, "red", 5, &h);
+  h.routeIs(*h.config, "13.0.0.0/8")->viaIs(StaticRouteHarness::via("10.0.0.1"), {});
+  auto leaving = StaticRouteHarness::via("10.0.0.1");
+  leaving.egressVrfIs("default");
+  red.routeIs(*red.config, "14.0.0.0/8")->viaIs(leaving, {});
+  start();
+  red.start(scheduler());
+  auto redRs = rib.routeStatusSmIs(red.vrfName, red.af, red.vrfId, red.status, red.ipViaConfig, scheduler());
+  runToIdle();
+  ASSERT_EQ(h.ipViaConfig->viaSize(), 1u) << "one via in the default VRF, used from both";
+  resolve("10.0.0.1");
+  EXPECT_EQ(ribRoute("13.0.0.0/8"), "pref 1 metric 0 vias [10.0.0.1]");
+  EXPECT_EQ(rib.routeOf(red.vrfId, "14.0.0.0/8", *h.ipViaConfig), "pref 1 metric 0 vias [10.0.0.1]");
+  unresolve("10.0.0.1");
+  EXPECT_EQ(ribRoute("13.0.0.0/8"), "");
+  EXPECT_EQ(rib.routeOf(red.vrfId, "14.0.0.0/8", *h.ipViaConfig), "");
+  redRs = nullptr;
+  red.stop();
 }
 
 }  // namespace

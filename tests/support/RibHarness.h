@@ -1,6 +1,6 @@
-// The RIB side of a VRF, in-process: the route and via-set tables a RouteStatusSm writes, the via
-// metric tables the RIB would report in, the dependency graph and the looping routes, and the
-// RouteStatusSm on a status store. Tests report via metrics and read the routes back as text.
+// The RIB side of a switch, in-process: the route and via-set tables RouteStatusSms write, the via
+// metric tables the RIB reports in, the dependency graph, the looping routes and the via metric
+// machine that takes reports to the routes. Tests report via metrics and read the routes as text.
 #pragma once
 
 #include <map>
@@ -16,6 +16,7 @@
 #include "foundations/rib/ViaSetConfig.h"
 #include "foundations/runtime/TaskScheduler.h"
 #include "protocol/ProtocolRouteStatusSm.h"
+#include "protocol/ProtocolViaMetricStatusSm.h"
 
 namespace BowlineTest {
 
@@ -61,6 +62,11 @@ class RibHarness {
     return RouteStatusSm::RouteStatusSmIs(in);
   }
 
+  // The via metric machine over the family's status stores: a report reaches the routes using the via.
+  void viaMetricStatusSmIs(Quill::Ptr<Routing::Protocol::RouteStatusDir> const& dir) {
+    vms = Routing::Protocol::ViaMetricStatusSm::ViaMetricStatusSmIs(viaMetricStatusByVrf, dir);
+  }
+
   // The RIB's report on a via: resolved with a metric, or unresolved (preference 255).
   void report(Routing::Rib::ViaKey const& key, Routing::RouteMetric metric = 1, std::uint32_t preference = 1) {
     tableOf(key)->viaMetricIs(key, Routing::Rib::ViaMetric(key, metric, preference));
@@ -102,6 +108,7 @@ class RibHarness {
   Quill::Ptr<Routing::Bgp::IgpResultTable> igpResultTable;
   Quill::Ptr<Routing::BfdTrackedStaticRoutesList> bfdTrackedRoutesList;
   Quill::Ptr<Routing::General::Config> general;
+  Quill::Ptr<Routing::Protocol::ViaMetricStatusSm> vms;
 };
 
 }  // namespace BowlineTest

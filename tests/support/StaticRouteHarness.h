@@ -27,22 +27,33 @@ class StaticRouteHarness {
  public:
   using RouteConfigSm = Routing::Static::RouteConfigSm;
 
+  // A VRF of its own, or (with `shareWith`) one more VRF of the same switch: the VRF maps, interface
+  // tables, status directory, via table and egress helper are then the other harness's.
   explicit StaticRouteHarness(Ondex::AddressFamily af = Ondex::AddressFamily::ipv4, char const* vrf = "default",
-                              std::uint32_t vrfId = 0)
+                              std::uint32_t vrfId = 0, StaticRouteHarness const* shareWith = nullptr)
       : vrfName(vrf), vrfId(vrfId), af(af) {
     using namespace Routing;
-    nameMap = Vrf::VrfIdMap::NameToIdMap::NameToIdMapIs();
+    if (shareWith) {
+      nameMap = shareWith->nameMap;
+      vrfNames = shareWith->vrfNames;
+      statusDir = shareWith->statusDir;
+      ipViaConfig = shareWith->ipViaConfig;
+      ipStatus = shareWith->ipStatus;
+      ip6Status = shareWith->ip6Status;
+      egress = shareWith->egress;
+    } else {
+      nameMap = Vrf::VrfIdMap::NameToIdMap::NameToIdMapIs();
+      vrfNames = Vrf::VrfIdMap::NameToIdMapWrapper::NameToIdMapWrapperIs();
+      vrfNames->nameToIdMapIs(nameMap);
+      statusDir = Protocol::RouteStatusDir::RouteStatusDirIs();
+      ipViaConfig = Rib::Ip::ViaConfig::ViaConfigIs(Rib::RoutingProtocol::staticConfig(), Rib::Transport::fromAf(af));
+      ipStatus = Ip::Status::StatusIs();
+      ip6Status = Ip6::Status::StatusIs();
+    }
     nameMap->vrfNameToIdIs(vrfName, vrfId);
-    vrfNames = Vrf::VrfIdMap::NameToIdMapWrapper::NameToIdMapWrapperIs();
-    vrfNames->nameToIdMapIs(nameMap);
-    statusDir = Protocol::RouteStatusDir::RouteStatusDirIs();
     status = statusDir->statusIs(Protocol::RouteStatusKey{vrfId, af});
-    auto const transport = Rib::Transport::fromAf(af);
-    ipViaConfig = Rib::Ip::ViaConfig::ViaConfigIs(Rib::RoutingProtocol::staticConfig(), transport);
     intfTable = Ip::VrfIpIntfStatus::VrfIpIntfStatusIs();
-    ipStatus = Ip::Status::StatusIs();
     ipStatus->vrfIpIntfStatusIs(vrfName, intfTable);
-    ip6Status = Ip6::Status::StatusIs();
     intfStatus = Protocol::Ipv4IntfStatus::Ipv4IntfStatusIs(intfTable);
     intfSm = Protocol::IntfSm::IntfSmIs(intfStatus);
     readyDir = Protocol::AllVrfReadyStatus::AllVrfReadyStatusIs();
@@ -51,7 +62,7 @@ class StaticRouteHarness {
     mpls = Mpls::Config::ConfigIs();
     general = General::Config::ConfigIs();
     resRib = Static::ResRibProfileContainer::ResRibProfileContainerIs("default");
-    egress = Static::AllEgressVrfIntfStatusHelperSm::AllEgressVrfIntfStatusHelperSmIs(ipStatus, ip6Status);
+    if (!egress) egress = Static::AllEgressVrfIntfStatusHelperSm::AllEgressVrfIntfStatusHelperSmIs(ipStatus, ip6Status);
     config = RouteList::RouteListIs();
     dynamic = RouteList::RouteListIs();
   }

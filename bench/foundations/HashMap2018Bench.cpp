@@ -202,10 +202,7 @@ int main(int argc, char** argv) {
   // measures the kernel rather than the maps.
   mallopt(M_TRIM_THRESHOLD, 1 << 30);
   mallopt(M_MMAP_THRESHOLD, 1 << 30);
-  benchmark::Initialize(&argc, argv);
-  BowlineBench::RatioReporter reporter;
-  benchmark::RunSpecifiedBenchmarks(&reporter);
-  reporter.printPairs(BowlineBench::RatioReporter::byTemplateArgument("OursOps"), {"bytes/elem"}, "ours", "std");
-  benchmark::Shutdown();
-  return 0;
+  return BowlineBench::runWithRatios(argc, argv, [](BowlineBench::RatioReporter const& reporter) {
+    reporter.printPairs(BowlineBench::RatioReporter::byTemplateArgument("OursOps"), {"bytes/elem"}, "ours", "std");
+  });
 }

@@ -104,12 +104,8 @@ BENCHMARK(BM_FlitStatement)->Threads(1)->Threads(2);
 }  // namespace
 
 int main(int argc, char** argv) {
-  benchmark::Initialize(&argc, argv);
-  if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
   // CPU time, steadier than wall time on a shared machine, against the two baselines of this run.
-  BowlineBench::RatioReporter reporter;
-  benchmark::RunSpecifiedBenchmarks(&reporter);
-  reporter.printAgainst({"BM_EmptyLoop", "BM_BuildArguments"});
-  benchmark::Shutdown();
-  return 0;
+  return BowlineBench::runWithRatios(argc, argv, [](BowlineBench::RatioReporter const& reporter) {
+    reporter.printAgainst({"BM_EmptyLoop", "BM_BuildArguments"});
+  });
 }

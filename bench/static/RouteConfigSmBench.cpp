@@ -290,6 +290,7 @@ std::map<std::uint32_t, std::pair<double, double>> peerFigures() {
 // their ratio, heap bytes per route of each part and the ratio of the whole to the list, the child's
 // peak RSS; with the peer's figures, its time and peak RSS and ours as a ratio to them.
 void printColdRuns(BowlineBench::RatioReporter const& reporter) {
+  if (coldByType.empty()) return;  // BM_Cold did not run
   auto const peer = peerFigures();
   std::printf("\nfirst load in a fresh process (BM_Cold)\n");
   std::printf("  %-8s %7s %8s %7s %6s %9s %9s %9s %6s %9s", "N", "list s", "total s", "cpu s", "ratio", "list B/r",
@@ -321,12 +322,8 @@ void printColdRuns(BowlineBench::RatioReporter const& reporter) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  benchmark::Initialize(&argc, argv);
-  if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
-  BowlineBench::RatioReporter reporter;
-  benchmark::RunSpecifiedBenchmarks(&reporter);
-  reporter.printPairs(BowlineBench::RatioReporter::byTemplateArgument("Machine"), {}, "machine", "list only");
-  printColdRuns(reporter);
-  benchmark::Shutdown();
-  return 0;
+  return BowlineBench::runWithRatios(argc, argv, [](BowlineBench::RatioReporter const& reporter) {
+    reporter.printPairs(BowlineBench::RatioReporter::byTemplateArgument("Machine"), {}, "machine", "list only");
+    printColdRuns(reporter);
+  });
 }

@@ -1,7 +1,8 @@
 // BowlineBench::RatioReporter: the console table as Google Benchmark prints it, then each measured
 // case as a ratio to a baseline run in the same process. It keeps the CPU time and the counters of
 // every run (the median when repetitions are asked for); the bench's main prints the ratios once all
-// runs are done. Owned by the bench's main, one per process. Header only: each bench is one file.
+// runs are done (runWithRatios). Owned by the bench's main, one per process. Header only: each bench
+// is one file.
 #pragma once
 
 #include <benchmark/benchmark.h>
@@ -156,5 +157,17 @@ class RatioReporter : public benchmark::ConsoleReporter {
   std::map<std::string, Record> runs_;         // by full run name
   std::map<std::string, std::size_t> order_;  // full run name -> place in the run order
 };
+
+// The body of a bench's main: runs the benchmarks the command line selects through a RatioReporter,
+// then hands it to `printRatios`. Returns the exit code.
+inline int runWithRatios(int argc, char** argv, std::function<void(RatioReporter const&)> const& printRatios) {
+  benchmark::Initialize(&argc, argv);
+  if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
+  RatioReporter reporter;
+  benchmark::RunSpecifiedBenchmarks(&reporter);
+  printRatios(reporter);
+  benchmark::Shutdown();
+  return 0;
+}
 
 }  // namespace BowlineBench

@@ -198,10 +198,7 @@ BENCHMARK_TEMPLATE(BM_ViaHash, PlainHash)->Unit(benchmark::kMillisecond)->MinTim
 }  // namespace
 
 int main(int argc, char** argv) {
-  benchmark::Initialize(&argc, argv);
-  BowlineBench::RatioReporter reporter;
-  benchmark::RunSpecifiedBenchmarks(&reporter);
-  reporter.printPairs(BowlineBench::RatioReporter::byTemplateArgument("Ours"), {"bytes/route"});
-  benchmark::Shutdown();
-  return 0;
+  return BowlineBench::runWithRatios(argc, argv, [](BowlineBench::RatioReporter const& reporter) {
+    reporter.printPairs(BowlineBench::RatioReporter::byTemplateArgument("Ours"), {"bytes/route"});
+  });
 }

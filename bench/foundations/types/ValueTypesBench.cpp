@@ -226,12 +226,9 @@ BENCHMARK(BM_PrefixParse_base);
 }  // namespace
 
 int main(int argc, char** argv) {
-  benchmark::Initialize(&argc, argv);
-  BowlineBench::RatioReporter reporter;
-  benchmark::RunSpecifiedBenchmarks(&reporter);
-  reporter.printPairs(BowlineBench::RatioReporter::bySuffix("ours", "base"));
-  std::printf("  sizeof: IpGenAddr %zu, IpGenPrefix %zu, IntfId %zu (std::string %zu)\n", sizeof(IpGenAddr),
-              sizeof(IpGenPrefix), sizeof(IntfId), sizeof(std::string));
-  benchmark::Shutdown();
-  return 0;
+  return BowlineBench::runWithRatios(argc, argv, [](BowlineBench::RatioReporter const& reporter) {
+    reporter.printPairs(BowlineBench::RatioReporter::bySuffix("ours", "base"));
+    std::printf("  sizeof: IpGenAddr %zu, IpGenPrefix %zu, IntfId %zu (std::string %zu)\n", sizeof(IpGenAddr),
+                sizeof(IpGenPrefix), sizeof(IntfId), sizeof(std::string));
+  });
 }

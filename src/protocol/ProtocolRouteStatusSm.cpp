@@ -17,12 +17,6 @@ namespace {
 
 constexpr std::uint32_t kMaxViaSetSize = Rib::Skein::ViaSet::kMaxVias;
 
-// "ViaWeightChange", read once per process.
-bool viaWeightChange() {
-  static bool const on = toggleViaWeightChangeEnabled();
-  return on;
-}
-
 }  // namespace
 
 RouteStatusSm::RouteStatusSm(Inputs const& in)
@@ -42,6 +36,7 @@ RouteStatusSm::RouteStatusSm(Inputs const& in)
       viaStatusByVrf_(in.viaStatusByVrf),
       igpResultTable_(in.igpResultTable),
       statusWritable_(in.status),
+      viaWeightChange_(toggleViaWeightChangeEnabled()),
       scheduler_(in.scheduler ? in.scheduler : Halyard::TaskSchedulerRoot::findOrCreateScheduler()) {
   statusIs(in.status);
   loopingRouteStatusIs(in.loopingRouteStatus);
@@ -124,7 +119,7 @@ void RouteStatusSm::doReview() {
 }
 
 void RouteStatusSm::routeBacklogAdd(Prefix const& prefix) {
-  if (!viaWeightChange()) {
+  if (!viaWeightChange_) {
     handleRoute(prefix);
     return;
   }
@@ -170,7 +165,7 @@ void RouteStatusSm::handleRoute(Prefix const& prefix) {
         } else {
           resolution = validIpVia(prefix, preference, viaKey);
         }
-        if (resolution == undetermined && !viaWeightChange()) resolution = unresolved;
+        if (resolution == undetermined && !viaWeightChange_) resolution = unresolved;
         if (resolution == unresolved) {
           RS_TRACE(9, "handleRoute " << prefix << " via " << viaKey << "is unresolved");
           continue;

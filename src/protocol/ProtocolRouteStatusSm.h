@@ -208,6 +208,9 @@ class RouteStatusSm : public Zel::StateMachine<RouteStatusSm> {
 
  private:
   Quill::Ptr<Status> statusWritable_;
+  // The toggle "ViaWeightChange": on, a via the RIB has not reported on holds the route's entry,
+  // and via changes go through the backlog.
+  bool viaWeightChange_;
   Halyard::TaskScheduler* scheduler_;
   bool tearingDown_ = false;
 };

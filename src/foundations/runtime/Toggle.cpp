@@ -62,7 +62,6 @@ bool toggleRouteInputStaticRouteJointAgentsEnabled() {
   return Zel::getToggleState("RouteInputStaticRouteJointAgents", "/etc/bowline/toggles", true);
 }
 
-
 bool toggleViaWeightChangeEnabled() { return Zel::getToggleState("ViaWeightChange", "/etc/bowline/toggles", true); }
 
 bool toggleRouteInputVxlanBfdEnabled() {

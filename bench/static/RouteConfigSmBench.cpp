@@ -144,8 +144,8 @@ std::string growthByType(std::vector<Plinth::TypeStats> const& before, std::uint
   for (auto const& t : grew) typed += t.bytes;
   for (std::size_t i = 0; i < grew.size() && i < top; ++i) {
     char line[256];
-    std::snprintf(line, sizeof line, "    %6.1f B %5.2f x  %.150s\n", double(grew[i].bytes) / n, double(grew[i].live) / n,
-                  grew[i].name.c_str());
+    std::snprintf(line, sizeof line, "    %6.1f B %5.2f x  %.150s\n", double(grew[i].bytes) / n,
+                  double(grew[i].live) / n, grew[i].name.c_str());
     out += line;
   }
   char line[160];
@@ -176,6 +176,8 @@ bool coldRunInChild(std::uint32_t n, ColdFigures& out, std::string& error) {
     f.machineWall = wallNow() - w, f.machineCpu = cpuNow() - c;
     f.listHeap = double(heap1 - heap0), f.machineHeap = double(heapInUse() - heap1);
     f.listSlab = double(slab1 - slab0), f.machineSlab = double(Plinth::bytesReserved() - slab1);
+    // Under the sanitizers malloc keeps no counts: the slab's figures stand in.
+    if (heap1 == heap0) f.listHeap = f.listSlab, f.machineHeap = f.machineSlab;
     f.rssGrowthKib = statusKib("VmRSS:") - rss0;
     f.peakRssKib = statusKib("VmHWM:");
     std::snprintf(f.wrong, sizeof f.wrong, "%s", wrongIn(*vrf, n, true).c_str());

@@ -40,13 +40,15 @@ class RatioReporter : public benchmark::ConsoleReporter {
   }
   // Pairs BM_Op_<ours> with BM_Op_<base> (the op is printed without "BM_"); other runs are ignored.
   [[nodiscard]] static Split bySuffix(std::string ours, std::string base) {
-    return [ours = std::move(ours), base = std::move(base)](benchmark::BenchmarkName const& name) -> std::optional<Side> {
+    return [ours = std::move(ours), base = std::move(base)](
+               benchmark::BenchmarkName const& name) -> std::optional<Side> {
       std::string const& f = name.function_name;
       auto const cut = f.rfind('_');
       if (cut == std::string::npos) return std::nullopt;
       std::string const side = f.substr(cut + 1);
       if (side != ours && side != base) return std::nullopt;
-      std::string op = f.substr(f.rfind("BM_", 0) == 0 ? 3 : 0, cut - (f.rfind("BM_", 0) == 0 ? 3 : 0));
+      std::size_t const from = f.rfind("BM_", 0) == 0 ? 3 : 0;
+      std::string op = f.substr(from, cut - from);
       if (!name.args.empty()) op += "/" + name.args;
       return Side{std::move(op), side == ours};
     };

@@ -185,16 +185,18 @@ std::string TraceRegistry::traceRulesIs(std::string_view rules) {
     std::string text;
   };
   std::string errors;
-  std::optional<Item> item;
+  // The item being read; a plain value with a flag (GCC 12 at -O3 misreads an optional here).
+  Item item;
+  bool haveItem = false;
   auto finish = [&] {
-    if (!item) return;
-    if (item->error.empty()) {
-      item->error = item->flit ? flitLevelsIs(item->pattern, item->mask) : traceLevelsIs(item->pattern, item->mask);
+    if (!haveItem) return;
+    if (item.error.empty()) {
+      item.error = item.flit ? flitLevelsIs(item.pattern, item.mask) : traceLevelsIs(item.pattern, item.mask);
     }
-    if (!item->error.empty()) {
-      fmt::format_to(std::back_inserter(errors), "{}{} in '{}'", errors.empty() ? "" : "; ", item->error, item->text);
+    if (!item.error.empty()) {
+      fmt::format_to(std::back_inserter(errors), "{}{} in '{}'", errors.empty() ? "" : "; ", item.error, item.text);
     }
-    item.reset();
+    haveItem = false;
   };
 
   std::size_t start = 0;
@@ -206,30 +208,32 @@ std::string TraceRegistry::traceRulesIs(std::string_view rules) {
     auto const eq = token.find('=');
     if (eq == std::string_view::npos) {
       // A further level of the item before, or alone at the start: levels of every facility.
-      if (!item) {
-        item.emplace();
-        item->pattern = "*";
+      if (!haveItem) {
+        item = Item{};
+        haveItem = true;
+        item.pattern = "*";
       }
-      item->text += item->text.empty() ? "" : ",";
-      item->text += token;
-      if (!levelsAdded(token, item->mask) && item->error.empty()) {
-        item->error = fmt::format("bad trace level '{}'", token);
+      item.text += item.text.empty() ? "" : ",";
+      item.text += token;
+      if (!levelsAdded(token, item.mask) && item.error.empty()) {
+        item.error = fmt::format("bad trace level '{}'", token);
       }
       continue;
     }
     finish();
-    item.emplace();
-    item->text = token;
+    item = Item{};
+    haveItem = true;
+    item.text = token;
     auto pattern = trimmed(token.substr(0, eq));
     auto const levels = trimmed(token.substr(eq + 1));
     if (pattern.starts_with(flitPrefix)) {
-      item->flit = true;
+      item.flit = true;
       pattern.remove_prefix(flitPrefix.size());
     }
-    item->pattern = pattern;
-    item->error = patternError(pattern);
-    if (item->error.empty() && !levelsAdded(levels, item->mask)) {
-      item->error = fmt::format("bad trace level '{}'", levels);
+    item.pattern = pattern;
+    item.error = patternError(pattern);
+    if (item.error.empty() && !levelsAdded(levels, item.mask)) {
+      item.error = fmt::format("bad trace level '{}'", levels);
     }
   }
   finish();

@@ -1,6 +1,7 @@
 // The resolution profile of a via: at most three methods in order, compared and hashed as a whole,
 // the way a route's per-via collection and the via table's deduplication use it.
 #include "foundations/rib/ResolutionRibProfileConfig.h"
+#include "foundations/rib/ResolutionRibProfile.h"
 
 #include <gtest/gtest.h>
 
@@ -62,6 +63,20 @@ TEST(ResolutionRibProfileConfigTest, EqualityAndHashCoverEveryMethodField) {
   one.methodIs(1, ResolutionMethod::systemUnicastRib());
   EXPECT_EQ(one.methodCount(), 2u) << "writing past the end extends over an empty method";
   EXPECT_EQ(one.method(0).type(), ResolutionRibType::none);
+}
+
+TEST(ResolutionRibProfileTest, FromConfigFillsTheIdsOfKnownTunnelRibs) {
+  ResolutionRibProfileConfig config;
+  config.methodAppend(ResolutionMethod::tunnelRib("gold"));
+  config.methodAppend(ResolutionMethod::tunnelRib("silver"));
+  config.methodAppend(ResolutionMethod::systemConnected());
+  auto map = Tunnel::TunnelTable::TunnelRibNameIdMap::TunnelRibNameIdMapIs();
+  map->tunnelRibNameToIdIs("gold", 7);
+  auto const profile = Routing::Rib::ResolutionRibProfile::fromConfig(config, map);
+  EXPECT_EQ(fmt::format("{}", ResolutionRibProfileConfig(profile)),
+            "[tunnel-rib gold#7, tunnel-rib silver, system-connected]")
+      << "an unknown tunnel RIB keeps id 0";
+  EXPECT_EQ(Routing::Rib::ResolutionRibProfile::fromConfig(config, nullptr), Routing::Rib::ResolutionRibProfile(config));
 }
 
 }  // namespace

@@ -58,7 +58,10 @@ class RatioReporter : public benchmark::ConsoleReporter {
     for (Run const& r : runs) {
       bool const median = r.run_type == Run::RT_Aggregate && r.aggregate_name == "median";
       if (r.run_type != Run::RT_Iteration && !median) continue;
-      if (r.error_occurred) continue;
+      if (r.error_occurred) {
+        ++failed_;
+        continue;
+      }
       Record rec{r.run_name, r.GetAdjustedCPUTime() / benchmark::GetTimeUnitMultiplier(r.time_unit), {}};
       for (auto const& [key, counter] : r.counters) rec.counters[key] = counter.value;
       std::string const key = r.run_name.str();
@@ -118,6 +121,9 @@ class RatioReporter : public benchmark::ConsoleReporter {
     }
   }
 
+  // How many runs stopped with an error (a load that came out wrong, a child that failed).
+  [[nodiscard]] std::size_t failed() const noexcept { return failed_; }
+
   // What a run recorded, by its full name (CPU seconds per iteration); null when it did not run.
   [[nodiscard]] std::optional<double> cpuTime(std::string const& name) const {
     auto it = runs_.find(name);
@@ -158,10 +164,11 @@ class RatioReporter : public benchmark::ConsoleReporter {
 
   std::map<std::string, Record> runs_;         // by full run name
   std::map<std::string, std::size_t> order_;  // full run name -> place in the run order
+  std::size_t failed_ = 0;
 };
 
 // The body of a bench's main: runs the benchmarks the command line selects through a RatioReporter,
-// then hands it to `printRatios`. Returns the exit code.
+// then hands it to `printRatios`. Returns the exit code: 1 when a run stopped with an error.
 inline int runWithRatios(int argc, char** argv, std::function<void(RatioReporter const&)> const& printRatios) {
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
@@ -169,7 +176,8 @@ inline int runWithRatios(int argc, char** argv, std::function<void(RatioReporter
   benchmark::RunSpecifiedBenchmarks(&reporter);
   printRatios(reporter);
   benchmark::Shutdown();
-  return 0;
+  if (reporter.failed()) std::fprintf(stderr, "%zu run(s) stopped with an error\n", reporter.failed());
+  return reporter.failed() ? 1 : 0;
 }
 
 }  // namespace BowlineBench

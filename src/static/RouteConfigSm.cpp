@@ -750,7 +750,7 @@ void RouteConfigSm::handleLeakedRouteVia(RouteKey const& key, Via const& via) {
 }
 
 // ---------------------------------------------------------------------------------------------
-// Tagged configuration: the owner's side. The tag machines themselves raise nothing yet.
+// Tagged configuration: the owner's side.
 
 void RouteConfigSm::handleVrfTaggedConfig() {
   auto const& tagged = srTaggedConfig();

@@ -1,17 +1,18 @@
-// The command-tag machine of one VRF's route list: it will watch the tag index of the list and the
-// tags' states, and tell its owner which route keys to review (reevaluatedKeyTrigger with
-// reevaluatedKey, then reviewBacklogTrigger). For now it holds its inputs and its triggers and
-// raises nothing, so a tag change reaches the routes only with a review of all routes. Owned by
-// the RouteConfigSm of the VRF.
+// The command-tag machine of one VRF's route list: it watches the list's index from tag names to
+// route keys and the tags' states, and tells its owner which route keys to review: each key on
+// reevaluatedKey with reevaluatedKeyTrigger (149), then one reviewBacklogTrigger (148). Tags wait
+// in a backlog ("taggedRouteTask_" and the VRF name). Owned by the RouteConfigSm of the VRF.
 #pragma once
 
 #include <cstdint>
 
 #include "foundations/records/ConfigTag.h"
 #include "foundations/records/RouteKey.h"
+#include "foundations/records/RouteKeySet.h"
 #include "foundations/records/RouteListTaggedConfig.h"
+#include "foundations/runtime/Backlog.h"
 #include "foundations/runtime/StateMachine.h"
-#include "foundations/runtime/TaskScheduler.h"
+#include "foundations/runtime/TaskMember.h"
 #include "foundations/types/VrfName.h"
 
 namespace Routing::Static {
@@ -25,10 +26,46 @@ class TaggedRouteConfigSm : public Zel::StateMachine<TaggedRouteConfigSm> {
     return Zel::make<TaggedRouteConfigSm>(vrfName, std::move(taggedConfigForVrf), std::move(configTagStatus),
                                           std::move(configTagIdState), scheduler);
   }
+
+  // One tag's route keys: a new key is reviewed alone.
+  class NestedSm_TagToRouteKeySet : public Zel::NestedSm<TaggedRouteConfigSm, Zel::String, RouteKeySet> {
+   public:
+    using NestedSm::NestedSm;
+    void onAttribute(Zel::AttrId id, void const* key) override;
+  };
+  // One tag's state.
+  class NestedSm_ConfigTag : public Zel::NestedSm<TaggedRouteConfigSm, Zel::String, ConfigTag::ConfigTagEntry> {
+   public:
+    using NestedSm::NestedSm;
+    void onAttribute(Zel::AttrId id, void const* key) override;
+  };
+
+  void handleInitialized();
+  void handleTagToRouteKeySet(Zel::String const& tag);
+  void handleConfigTagEntry(Zel::String const& tag);
+  void handleConfigTagId(ConfigTag::ConfigTagId const& id);
+  void handleOperState(Zel::String const& tag) { handleConfigTagEntry(tag); }
+  void handleRouteKey(RouteKey const& key);
+  void handleTaskRun();
+  void reviewRoutesForTag(Zel::String const& tag);
+  void tagToRouteKeySetHelper(Zel::String const& tag, RouteKeySet const* prev, RouteKeySet const* cur);
+
   ZEL_CONST(L3::VrfName, vrfName)
-  ZEL_CONST(Quill::Ptr<RouteListTaggedConfig const>, taggedConfigForVrf)
-  ZEL_CONST(Quill::Ptr<ConfigTag::ConfigTagStatus const>, configTagStatus)
-  ZEL_CONST(Quill::Ptr<ConfigTag::ConfigTagIdState const>, configTagIdState)
+  ZEL_NESTED(Zel::String, NestedSm_TagToRouteKeySet, tagToRouteKeySet)
+  ZEL_NESTED(Zel::String, NestedSm_ConfigTag, configTag)
+  using TaggedReactors = Zel::Reactors<
+      Zel::On<RouteListTaggedConfig::tagToRouteKeySetId, &TaggedRouteConfigSm::handleTagToRouteKeySet>,
+      Zel::Reconcile<RouteListTaggedConfig::tagToRouteKeySetId, &TaggedRouteConfigSm::tagToRouteKeySet_>>;
+  ZEL_INPUT(RouteListTaggedConfig, taggedConfigForVrf, TaggedReactors)
+  using TagStatusReactors = Zel::Reactors<
+      Zel::On<ConfigTag::ConfigTagStatus::configTagEntryId, &TaggedRouteConfigSm::handleConfigTagEntry>,
+      Zel::Reconcile<ConfigTag::ConfigTagStatus::configTagEntryId, &TaggedRouteConfigSm::configTag_>>;
+  ZEL_INPUT(ConfigTag::ConfigTagStatus, configTagStatus, TagStatusReactors)
+  using TagIdReactors =
+      Zel::Reactors<Zel::On<ConfigTag::ConfigTagIdState::tagIdToTagStrId, &TaggedRouteConfigSm::handleConfigTagId>>;
+  ZEL_INPUT(ConfigTag::ConfigTagIdState, configTagIdState, TagIdReactors)
+  ZEL_BACKLOG(Zel::String, backlog)
+  ZEL_TASK(task, handleTaskRun)
   ZEL_ATTR(std::uint32_t, reviewBacklogTrigger, 148)
   ZEL_ATTR(std::uint32_t, reevaluatedKeyTrigger, 149)
   ZEL_ATTR(RouteKey, reevaluatedKey, 150)
@@ -39,16 +76,12 @@ class TaggedRouteConfigSm : public Zel::StateMachine<TaggedRouteConfigSm> {
   friend struct Zel::Factory;
   TaggedRouteConfigSm(L3::VrfName const& vrfName, Quill::Ptr<RouteListTaggedConfig const> taggedConfigForVrf,
                       Quill::Ptr<ConfigTag::ConfigTagStatus const> configTagStatus,
-                      Quill::Ptr<ConfigTag::ConfigTagIdState const> configTagIdState, Halyard::TaskScheduler* scheduler)
-      : vrfName_(vrfName),
-        taggedConfigForVrf_(std::move(taggedConfigForVrf)),
-        configTagStatus_(std::move(configTagStatus)),
-        configTagIdState_(std::move(configTagIdState)),
-        scheduler_(scheduler) {
-    initializedIs(true);
-  }
+                      Quill::Ptr<ConfigTag::ConfigTagIdState const> configTagIdState, Halyard::TaskScheduler* scheduler);
 
  private:
+  // Hands one key to the owner (149).
+  void reevaluatedKeyIsAndTrigger(RouteKey const& key);
+
   Halyard::TaskScheduler* scheduler_;
 };
 

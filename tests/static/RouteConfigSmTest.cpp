@@ -488,5 +488,40 @@ TEST_F(RouteConfigSmTest, RouteInputModeTakesTheFirstUserWithAnEnabledTag) {
   EXPECT_EQ(h.status->route(pfx("90.0.0.0/8")), nullptr);
 }
 
+TEST_F(RouteConfigSmTest, CommandTagTakesItsRoutesOutAndBringsThemBack) {
+  h.configTagStatus = ConfigTag::ConfigTagStatus::ConfigTagStatusIs();
+  h.configTagIdState = ConfigTag::ConfigTagIdState::ConfigTagIdStateIs();
+  h.configTagStatus->configTagEntryIs("maint")->operStateIs(1);
+  auto keys = Routing::RouteKeySet::RouteKeySetIs("maint");
+  keys->routeKeySetIs(routeKey("110.0.0.0/8"));
+  auto index = Routing::RouteListTaggedConfig::RouteListTaggedConfigIs(h.vrfName);
+  index->tagToRouteKeySetIs("maint", keys);
+  h.tagged = Routing::VrfRouteListTaggedConfig::VrfRouteListTaggedConfigIs();
+  h.tagged->vrfConfigIs(h.vrfName, index);
+  auto route = h.routeIs(*h.config, "110.0.0.0/8");
+  route->viaIs(StaticRouteHarness::via("10.0.0.1"), {});
+  route->commandTagIdIs(3);
+  h.routeIs(*h.dynamic, "110.0.0.0/8")->viaIs(StaticRouteHarness::via("10.0.0.2"), {});
+  start();
+  EXPECT_EQ(h.viasOf("110.0.0.0/8"), Set{"2: nextHop 10.0.0.1 intf  weight 0"}) << "the id has no name yet: enabled";
+
+  h.configTagIdState->tagIdToTagStrIs(3, "maint");
+  h.configTagStatus->configTagEntry("maint")->operStateIs(2);
+  runToIdle();
+  EXPECT_EQ(h.status->route(pfx("110.0.0.0/8")), nullptr) << "disabled: out, and the dynamic twin stays shadowed";
+  h.configTagStatus->configTagEntry("maint")->operStateIs(3);
+  runToIdle();
+  EXPECT_EQ(h.viasOf("110.0.0.0/8"), Set{"2: nextHop 10.0.0.1 intf  weight 0"});
+  h.configTagStatus->configTagEntry("maint")->operStateIs(0);
+  runToIdle();
+  EXPECT_EQ(h.status->route(pfx("110.0.0.0/8")), nullptr);
+
+  // The VRF's index goes: its routes are reviewed once more, and the machine with it.
+  h.tagged->vrfConfigDel(h.vrfName);
+  EXPECT_FALSE(h.sm->taggedRouteConfigSm());
+  EXPECT_EQ(h.sm->backlogSize(), 1u);
+  runToIdle();
+}
+
 }  // namespace
 }  // namespace BowlineTest

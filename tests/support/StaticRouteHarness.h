@@ -94,6 +94,7 @@ class StaticRouteHarness {
     in.srConfig = config;
     in.srConfigDynamic = dynamic;
     in.riConfigByUser = configByUser;
+    in.srTaggedConfig = tagged;
     sm = RouteConfigSm::RouteConfigSmIs(in);
   }
   void stop() { sm = nullptr; }
@@ -176,6 +177,7 @@ class StaticRouteHarness {
   Quill::Ptr<Routing::RouteList> config;
   Quill::Ptr<Routing::RouteList> dynamic;
   Quill::Ptr<Routing::Input::ConfigByUser> configByUser;
+  Quill::Ptr<Routing::VrfRouteListTaggedConfig> tagged;
   Quill::Ptr<RouteConfigSm> sm;
 };
 

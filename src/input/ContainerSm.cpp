@@ -1,0 +1,147 @@
+#include "input/ContainerSm.h"
+
+#include "foundations/runtime/Exception.h"
+#include "foundations/runtime/Trace.h"
+
+ZEL_TRACE_FACILITY("RouteInput::ContainerSm");
+
+#define IC_TRACE(level, expr) TRACE(level, "Vrf: " << vrfName_ << ", " << expr)
+
+namespace Routing::Input {
+
+ContainerSm::ContainerSm(Inputs const& inputs) : vrfName_(inputs.containerKey.vrfName()), inputs_(inputs) {
+  configDirIs(inputs.configDir);
+  configTagDirIs(inputs.configTagDir);
+  handleInitialized();
+}
+
+Quill::Ptr<Vrf::VrfIdMap::NameToIdMap const> ContainerSm::vrfNameToIdMap() const {
+  auto const& wrapper = inputs_.vrfNameStatus;
+  return wrapper ? Quill::Ptr<Vrf::VrfIdMap::NameToIdMap const>(wrapper->nameToIdMap()) : nullptr;
+}
+
+void ContainerSm::handleInitialized() {
+  Ondex::AddressFamily const af = inputs_.containerKey.af();
+  IC_TRACE(8, "ContainerSm::handleInitialized() vrf=" << vrfName_ << " af=" << af);
+  initializedIs(true);
+  auto const names = vrfNameToIdMap();
+  Vrf::VrfIdMap::VrfId const vrfId = names ? names->vrfIdOf(vrfName_) : Vrf::VrfIdMap::VrfId::none();
+  bool const staticMode = inputs_.routingProtocol == Rib::RoutingProtocol::staticConfig();
+  if (staticMode) {
+    leakRouteConfigIs(Protocol::LeakRouteConfig::LeakRouteConfigIs(Protocol::VrfIdAf(vrfId, af)));
+  } else {
+    QUILL_ASSERT(inputs_.routingProtocol == Rib::RoutingProtocol::routeInput(),
+                 "routingProtocol() == Rib::routeInput()");
+    configByUserIs(ConfigByUser::ConfigByUserIs());
+    configTaggedByUserIs(ConfigTaggedByUser::ConfigTaggedByUserIs());
+    martianRouteConfigIs(RouteInput::RouteInputIs("martian"));
+    martianRouteConfig()->routingProtoIs(60);
+    // The martian routes travel as one more user's input.
+    configByUser()->configIs(martianRouteConfig());
+    martianRouteSmIs(Martian::RouteSm::RouteSmIs(af, vrfName_, martianRouteConfig()));
+    handleConfigDir();
+    handleConfigTagDir();
+  }
+
+  // The input records exist before the protocol container, whose status store exists before the
+  // RouteConfigSm that fills it.
+  Protocol::ContainerSm::Inputs core;
+  core.containerKey = inputs_.containerKey;
+  core.vrfId = vrfId;
+  core.ipViaConfig = inputs_.ipViaConfig;
+  core.auxIpViaConfig = inputs_.auxIpViaConfig;
+  core.evpnViaConfig = inputs_.evpnViaConfig;
+  core.viaSetConfig = inputs_.viaSetConfig;
+  core.ribConfig = inputs_.ribConfig;
+  core.loopingRouteStatus = inputs_.loopingRouteStatus;
+  core.intfStatus = inputs_.intfStatus;
+  core.nhdGraph = inputs_.nhdGraph;
+  core.ipv4DefaultVrfViaConfig = inputs_.ipv4DefaultVrfViaConfig;
+  core.ipv6DefaultVrfViaConfig = inputs_.ipv6DefaultVrfViaConfig;
+  core.routingProtocol = inputs_.routingProtocol;
+  core.vrfReadyStatus = inputs_.vrfReadyStatus;
+  core.bfdTrackedRoutesList = inputs_.bfdTrackedRoutesList;
+  core.viaStatusByVrf = inputs_.viaStatusByVrf;
+  core.viaMetricStatusByVrf = inputs_.viaMetricStatusByVrf;
+  core.ribString = "rib";
+  core.routingGeneralConfig = inputs_.routingGeneralConfig;
+  core.igpResultTable = inputs_.igpResultTable;
+  core.scheduler = inputs_.scheduler;
+  core.routeStatusDir = inputs_.routeStatusDir;
+  protocolContainerSmIs(Protocol::ContainerSm::ContainerSmIs(core));
+
+  Static::RouteConfigSm::Inputs rc;
+  rc.containerKey = inputs_.containerKey;
+  rc.vrfNameStatus = inputs_.vrfNameStatus;
+  rc.vrfId = vrfId;
+  rc.status = protocolContainerSm()->status();
+  rc.ipViaConfig = inputs_.ipViaConfig;
+  rc.evpnViaConfig = inputs_.evpnViaConfig;
+  rc.intfStatus = inputs_.intfStatus;
+  rc.ipv4DefaultVrfViaConfig = inputs_.ipv4DefaultVrfViaConfig;
+  rc.ipv6DefaultVrfViaConfig = inputs_.ipv6DefaultVrfViaConfig;
+  rc.grState = inputs_.grState;
+  rc.vrfReadyStatus = inputs_.vrfReadyStatus;
+  rc.nexthopGroupEntryStatus = inputs_.nexthopGroupEntryStatus;
+  rc.routeCacheRouteHelperSm = inputs_.routeCacheRouteHelperSm;
+  rc.scheduler = inputs_.scheduler;
+  rc.allEgressVrfIntfStatusHelperSm = inputs_.allEgressVrfIntfStatusHelperSm;
+  rc.routingProtocol = inputs_.routingProtocol;
+  rc.leakConfig = leakRouteConfig();
+  rc.configTagStatus = inputs_.configTagStatus;
+  rc.configTagIdState = inputs_.configTagIdState;
+  rc.mplsConfig = inputs_.mplsConfig;
+  // The general settings are the static routes' (global preference, ECMP grouping).
+  rc.routingGeneralConfig = staticMode ? inputs_.routingGeneralConfig : nullptr;
+  rc.resRibProfileContainer = inputs_.resRibProfileContainer;
+  rc.tunnelRibNameIdMap = inputs_.tunnelRibNameIdMap;
+  rc.auxIpViaConfig = inputs_.auxIpViaConfig;
+  rc.vtepSipValidationStatus = inputs_.vtepSipValidationStatus;
+  rc.srConfig = inputs_.config;
+  rc.srConfigDynamic = inputs_.configDynamic;
+  rc.srTaggedConfig = inputs_.taggedConfig;
+  rc.srTaggedDynamicConfig = inputs_.taggedDynamicConfig;
+  rc.riConfigByUser = configByUser();
+  rc.riConfigTaggedByUser = configTaggedByUser();
+  routeConfigSmIs(Static::RouteConfigSm::RouteConfigSmIs(rc));
+}
+
+void ContainerSm::handleConfigDir() {
+  IC_TRACE(8, "handleConfigDir()");
+  if (!initialized() || !configDir()) return;
+  for (auto it = configDir()->entryStateIteratorConst(); it; it.advance()) handleConfigDir(it.key());
+}
+
+void ContainerSm::handleConfigDir(Quill::String const& name) {
+  IC_TRACE(8, "handleConfigDir(" << name << "), Initialized: " << initialized());
+  if (!initialized() || !configByUser()) return;
+  auto input = configDir() ? configDir()->entityPtr<RouteInput>(name) : nullptr;
+  if (input) {
+    IC_TRACE(2, "handleConfigDir(" << name << "), Adding config");
+    configByUser()->configIs(name, input);
+  } else {
+    IC_TRACE(2, "handleConfigDir(" << name << "), Deleting config");
+    configByUser()->configDel(name);
+  }
+}
+
+void ContainerSm::handleConfigTagDir() {
+  IC_TRACE(8, "handleConfigTagDir()");
+  if (!initialized() || !configTagDir()) return;
+  for (auto it = configTagDir()->entryStateIteratorConst(); it; it.advance()) handleConfigTagDir(it.key());
+}
+
+void ContainerSm::handleConfigTagDir(Quill::String const& name) {
+  IC_TRACE(8, "handleConfigTagDir(" << name << "), Initialized: " << (initialized() ? "True" : "False"));
+  if (!initialized() || !configTaggedByUser()) return;
+  auto config = configTagDir() ? configTagDir()->entityPtr<RouteListTaggedConfig>(name) : nullptr;
+  if (config) {
+    IC_TRACE(2, "handleConfigTagDir(" << name << "), Adding tagged config");
+    configTaggedByUser()->configIs(name, config);
+  } else {
+    IC_TRACE(2, "handleConfigTagDir(" << name << "), Deleting tagged config");
+    configTaggedByUser()->configDel(name);
+  }
+}
+
+}  // namespace Routing::Input

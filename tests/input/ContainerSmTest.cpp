@@ -1,0 +1,86 @@
+// The route input container: input records, protocol core and route machine built in order, for
+// both protocols, and the agents' route lists collected from a directory.
+#include "input/ContainerSm.h"
+
+#include <cstdlib>
+
+#include <gtest/gtest.h>
+
+#include "support/RibHarness.h"
+#include "support/RuntimeFixture.h"
+#include "support/StaticRouteHarness.h"
+
+namespace BowlineTest {
+namespace {
+
+class InputContainerSmTest : public RuntimeFixture {
+ protected:
+  Routing::Input::ContainerSm::Inputs inputs(Routing::Rib::RoutingProtocol protocol) {
+    Routing::Input::ContainerSm::Inputs in;
+    in.containerKey = Routing::Protocol::ContainerKey(h.vrfName, h.af);
+    in.routingProtocol = protocol;
+    in.ipViaConfig = h.ipViaConfig;
+    in.viaSetConfig = rib.viaSetConfig;
+    in.ribConfig = rib.ribConfig;
+    in.nhdGraph = rib.nhdGraph;
+    in.intfStatus = h.intfStatus;
+    in.viaMetricStatusByVrf = rib.viaMetricStatusByVrf;
+    in.igpResultTable = rib.igpResultTable;
+    in.vrfNameStatus = h.vrfNames;
+    in.scheduler = scheduler();
+    in.allEgressVrfIntfStatusHelperSm = h.egress;
+    in.mplsConfig = h.mpls;
+    in.config = h.config;
+    in.routeStatusDir = h.statusDir;
+    return in;
+  }
+  StaticRouteHarness h;
+  RibHarness rib;
+};
+
+TEST_F(InputContainerSmTest, StaticModeCarriesAConfiguredRouteToTheRib) {
+  rib.viaMetricStatusSmIs(h.statusDir);
+  h.routeIs(*h.config, "20.0.0.0/8")->viaIs(StaticRouteHarness::via("10.0.0.1"), {});
+  auto sm = Routing::Input::ContainerSm::ContainerSmIs(inputs(Routing::Rib::RoutingProtocol::staticConfig()));
+  runToIdle();
+  EXPECT_TRUE(sm->leakRouteConfig());
+  EXPECT_FALSE(sm->configByUser());
+  EXPECT_FALSE(sm->martianRouteSm());
+  ASSERT_EQ(h.ipViaConfig->viaSize(), 1u);
+  rib.report(h.ipViaConfig->viaIteratorConst().key());
+  runToIdle();
+  EXPECT_EQ(rib.routeOf(0, "20.0.0.0/8", *h.ipViaConfig), "pref 1 metric 0 vias [10.0.0.1]");
+  sm = nullptr;
+  rib.vms = nullptr;
+}
+
+TEST_F(InputContainerSmTest, RouteInputModeCollectsTheAgentsListsAfterTheMartianOne) {
+  unsetenv("DO_NOT_INSTALL_MARTIAN");
+  auto dir = Zel::Dir::DirIs("routeInput");
+  auto agent = Routing::RouteInput::RouteInputIs("agentA");
+  agent->routingProtoIs(16);
+  agent->routeIs(routeKey("30.0.0.0/8"), Routing::RouteType::drop);
+  dir->entityIs("agentA", agent);
+  auto in = inputs(Routing::Rib::RoutingProtocol::routeInput());
+  in.configDir = dir;
+  auto sm = Routing::Input::ContainerSm::ContainerSmIs(in);
+  runToIdle();
+  EXPECT_FALSE(sm->leakRouteConfig());
+  ASSERT_TRUE(sm->configByUser());
+  EXPECT_TRUE(sm->configByUser()->configHas("martian"));
+  EXPECT_TRUE(sm->configByUser()->configHas("agentA"));
+  auto const status = sm->protocolContainerSm()->status();
+  EXPECT_TRUE(status->routeHas(pfx("30.0.0.0/8")));
+  EXPECT_TRUE(status->routeHas(pfx("0.0.0.0/8"))) << "the martian routes travel as a user's";
+  EXPECT_EQ(rib.routeOf(0, "0.0.0.0/8", *h.ipViaConfig), "") << "a drop via is not reported resolved yet";
+
+  // An entry of another type counts as a deletion; the agent's routes leave.
+  dir->entityIs("agentA", Routing::RouteList::RouteListIs());
+  runToIdle();
+  EXPECT_FALSE(sm->configByUser()->configHas("agentA"));
+  EXPECT_FALSE(status->routeHas(pfx("30.0.0.0/8")));
+  sm = nullptr;
+}
+
+}  // namespace
+}  // namespace BowlineTest

@@ -113,6 +113,23 @@ inline double cpuNow() {
   return double(ts.tv_sec) + double(ts.tv_nsec) * 1e-9;
 }
 
+// Profiles of marked steps only: with BOWLINE_PERF_CTL naming the control fifo of
+// `perf record --control fifo:CTL,ACK -D -1 ...` (and BOWLINE_PERF_ACK its ack fifo), a bench opens
+// the profile around the steps it marks and closes it after them; with BOWLINE_PERF_STEP, only
+// around the step of that name. Without BOWLINE_PERF_CTL, nothing.
+inline void profileWindow(bool open, char const* step) {
+  static std::FILE* const ctl = std::getenv("BOWLINE_PERF_CTL") ? std::fopen(std::getenv("BOWLINE_PERF_CTL"), "w")
+                                                                 : nullptr;
+  static std::FILE* const ack = std::getenv("BOWLINE_PERF_ACK") ? std::fopen(std::getenv("BOWLINE_PERF_ACK"), "r")
+                                                                 : nullptr;
+  char const* only = std::getenv("BOWLINE_PERF_STEP");
+  if (!ctl || (only && std::string(only) != step)) return;
+  std::fputs(open ? "enable\n" : "disable\n", ctl);
+  std::fflush(ctl);
+  char line[16];
+  if (ack) std::fgets(line, sizeof line, ack);  // perf answers "ack" once it has switched
+}
+
 // The types of objects a load added, largest first, per route. The slab names only objects made by
 // a factory: the nodes and buckets of the hash maps are counted apart, in the heap figures.
 inline std::string growthByType(std::vector<Plinth::TypeStats> const& before, std::uint32_t n, std::size_t top) {

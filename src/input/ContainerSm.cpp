@@ -112,17 +112,30 @@ void ContainerSm::handleConfigDir() {
   for (auto it = configDir()->entryStateIteratorConst(); it; it.advance()) handleConfigDir(it.key());
 }
 
+namespace {
+
+// One entry of an agents' directory into the users' collection: an entity of the expected type is
+// added under the entry's name; anything else (or nothing) removes the name.
+template <class Entry, class Users>
+void dirEntryToUsers(Zel::Dir const* dir, Users& users, Quill::String const& name, L3::VrfName const& vrfName,
+                     char const* function, char const* adding, char const* deleting) {
+  auto entry = dir ? dir->entityPtr<Entry>(name) : nullptr;
+  if (entry) {
+    TRACE(2, "Vrf: " << vrfName << ", " << function << "(" << name << adding);
+    users.configIs(name, entry);
+  } else {
+    TRACE(2, "Vrf: " << vrfName << ", " << function << "(" << name << deleting);
+    users.configDel(name);
+  }
+}
+
+}  // namespace
+
 void ContainerSm::handleConfigDir(Quill::String const& name) {
   IC_TRACE(8, "handleConfigDir(" << name << "), Initialized: " << initialized());
   if (!initialized() || !configByUser()) return;
-  auto input = configDir() ? configDir()->entityPtr<RouteInput>(name) : nullptr;
-  if (input) {
-    IC_TRACE(2, "handleConfigDir(" << name << "), Adding config");
-    configByUser()->configIs(name, input);
-  } else {
-    IC_TRACE(2, "handleConfigDir(" << name << "), Deleting config");
-    configByUser()->configDel(name);
-  }
+  dirEntryToUsers<RouteInput>(configDir().get(), *configByUser(), name, vrfName_, "handleConfigDir", "), Adding config",
+                              "), Deleting config");
 }
 
 void ContainerSm::handleConfigTagDir() {
@@ -134,14 +147,8 @@ void ContainerSm::handleConfigTagDir() {
 void ContainerSm::handleConfigTagDir(Quill::String const& name) {
   IC_TRACE(8, "handleConfigTagDir(" << name << "), Initialized: " << (initialized() ? "True" : "False"));
   if (!initialized() || !configTaggedByUser()) return;
-  auto config = configTagDir() ? configTagDir()->entityPtr<RouteListTaggedConfig>(name) : nullptr;
-  if (config) {
-    IC_TRACE(2, "handleConfigTagDir(" << name << "), Adding tagged config");
-    configTaggedByUser()->configIs(name, config);
-  } else {
-    IC_TRACE(2, "handleConfigTagDir(" << name << "), Deleting tagged config");
-    configTaggedByUser()->configDel(name);
-  }
+  dirEntryToUsers<RouteListTaggedConfig>(configTagDir().get(), *configTaggedByUser(), name, vrfName_,
+                                         "handleConfigTagDir", "), Adding tagged config", "), Deleting tagged config");
 }
 
 }  // namespace Routing::Input

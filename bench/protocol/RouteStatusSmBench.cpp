@@ -10,7 +10,9 @@
 // - BM_Cold<Rib>: the same first load in a forked child, for wall time, heap bytes per route and
 //   peak RSS, beside BM_Cold<StatusStore>; with BOWLINE_PEER_BIRD, as ratios to the peer daemon.
 // - BM_Reconverge: with all N installed, the RIB reports the via unresolved and the machines run
-//   until idle (RouteConfig must be empty), then resolved again (all N back). CPU seconds of each.
+//   until idle (RouteConfig must be empty), then resolved again (all N back). CPU seconds of each,
+//   in this process after the warm loads, and (BM_ReconvergeFresh) in a child right after a first
+//   load: the heap's history alone changes these times by up to two.
 // A load that comes out wrong stops its benchmark with the reason, and the program exits with 1.
 // BOWLINE_PERF_CTL (see profileWindow) limits a profile to the re-convergence steps.
 #include <benchmark/benchmark.h>
@@ -91,21 +93,86 @@ struct Rib {
 // Iterations per N, in the registrations and in the names the tables look up.
 constexpr std::int64_t kRuns100k = 5, kRuns1M = 2;
 std::int64_t runsOf(std::uint32_t n) { return n >= 1000000 ? kRuns1M : kRuns100k; }
+// Re-convergence in a fresh child: one load and one round per iteration.
+constexpr std::int64_t kFreshRuns100k = 3, kFreshRuns1M = 1;
+std::int64_t freshRunsOf(std::uint32_t n) { return n >= 1000000 ? kFreshRuns1M : kFreshRuns100k; }
 
-BENCHMARK_TEMPLATE(BM_Cold, StatusStore)->Arg(100000)->Arg(1000000)->Iterations(1)->UseManualTime()->Unit(
-    benchmark::kMillisecond);
-BENCHMARK_TEMPLATE(BM_Cold, Rib)->Arg(100000)->Arg(1000000)->Iterations(1)->UseManualTime()->Unit(
-    benchmark::kMillisecond);
+// Seconds of the two re-convergence steps, summed over rounds.
+struct ReconvergeFigures {
+  double unresolveCpu, unresolveWall, resolveCpu, resolveWall;
+  char wrong[120];  // empty when every step left RouteConfig as it should
+};
 
-BENCHMARK_TEMPLATE(BM_Load, ListOnly)->Arg(100000)->Iterations(kRuns100k)->Unit(benchmark::kMillisecond);
-BENCHMARK_TEMPLATE(BM_Load, StatusStore)->Arg(100000)->Iterations(kRuns100k)->Unit(benchmark::kMillisecond);
-BENCHMARK_TEMPLATE(BM_Load, Rib)->Arg(100000)->Iterations(kRuns100k)->Unit(benchmark::kMillisecond);
-BENCHMARK_TEMPLATE(BM_Load, ListOnly)->Arg(1000000)->Iterations(kRuns1M)->Unit(benchmark::kMillisecond);
-BENCHMARK_TEMPLATE(BM_Load, StatusStore)->Arg(1000000)->Iterations(kRuns1M)->Unit(benchmark::kMillisecond);
-BENCHMARK_TEMPLATE(BM_Load, Rib)->Arg(1000000)->Iterations(kRuns1M)->Unit(benchmark::kMillisecond);
+// One round: the via reported unresolved and the machines run until idle, RouteConfig then empty;
+// the via resolved again and run until idle, all N back. Adds the times of each step to `f`, or
+// says in f.wrong what went wrong.
+void reconvergeOnce(Rib& load, std::uint32_t n, ReconvergeFigures& f) {
+  auto const via = load.viaKey();
+  auto* scheduler = load.store.scheduler;
+  BowlineBench::profileWindow(true, "unresolve");
+  double w = wallNow(), c = cpuNow();
+  load.rib.reportUnresolved(via);
+  scheduler->runUntilIdle();
+  double const downWall = wallNow() - w, downCpu = cpuNow() - c;
+  BowlineBench::profileWindow(false, "unresolve");
+  if (auto const left = load.rib.ribConfig->routeSize(); left != 0) {
+    std::snprintf(f.wrong, sizeof f.wrong, "RouteConfig holds %zu routes after the withdrawal", left);
+    return;
+  }
+  BowlineBench::profileWindow(true, "resolve");
+  w = wallNow(), c = cpuNow();
+  load.rib.report(via);
+  scheduler->runUntilIdle();
+  double const upWall = wallNow() - w, upCpu = cpuNow() - c;
+  BowlineBench::profileWindow(false, "resolve");
+  if (auto wrong = load.wrong(n, false); !wrong.empty()) {
+    std::snprintf(f.wrong, sizeof f.wrong, "%s", wrong.c_str());
+    return;
+  }
+  f.unresolveCpu += downCpu, f.unresolveWall += downWall, f.resolveCpu += upCpu, f.resolveWall += upWall;
+}
 
-// One load, then per iteration the via unresolved and resolved again, each run until idle and
-// checked. The iteration's time is the wall time of both; the counters are the means per step.
+void reconvergeCounters(benchmark::State& state, ReconvergeFigures const& f) {
+  double const runs = double(state.iterations());
+  state.counters["unresolve_cpu_s"] = f.unresolveCpu / runs;
+  state.counters["unresolve_s"] = f.unresolveWall / runs;
+  state.counters["resolve_cpu_s"] = f.resolveCpu / runs;
+  state.counters["resolve_s"] = f.resolveWall / runs;
+}
+
+// Re-convergence on a fresh heap: per iteration, a child process builds the list and the load and
+// runs one round; the iteration's time is the wall time of the two steps.
+void BM_ReconvergeFresh(benchmark::State& state) {
+  auto const n = std::uint32_t(state.range(0));
+  ReconvergeFigures all{};
+  for (auto _ : state) {
+    ReconvergeFigures f{};
+    std::string error;
+    bool const ok = BowlineBench::runInChild(
+        f,
+        [n](ReconvergeFigures& out) {
+          auto list = BowlineBench::routeListOf(n);
+          auto* load = new Rib(list);  // never torn down, as the child ends with _exit
+          if (auto wrong = load->wrong(n, false); !wrong.empty()) {
+            std::snprintf(out.wrong, sizeof out.wrong, "%s", wrong.c_str());
+            return;
+          }
+          reconvergeOnce(*load, n, out);
+        },
+        error);
+    if (!ok) {
+      state.SkipWithError(error.c_str());
+      return;
+    }
+    all.unresolveCpu += f.unresolveCpu, all.unresolveWall += f.unresolveWall;
+    all.resolveCpu += f.resolveCpu, all.resolveWall += f.resolveWall;
+    state.SetIterationTime(f.unresolveWall + f.resolveWall);
+  }
+  reconvergeCounters(state, all);
+}
+
+// Re-convergence in this process after the warm loads, whose freed blocks the slab hands out again:
+// one load, then one round per iteration.
 void BM_Reconverge(benchmark::State& state) {
   auto const n = std::uint32_t(state.range(0));
   auto list = BowlineBench::routeListOf(n);
@@ -114,39 +181,33 @@ void BM_Reconverge(benchmark::State& state) {
     state.SkipWithError(wrong.c_str());
     return;
   }
-  auto const via = load->viaKey();
-  auto* scheduler = load->store.scheduler;
-  double downCpu = 0, downWall = 0, upCpu = 0, upWall = 0;
+  ReconvergeFigures f{};
   for (auto _ : state) {
-    BowlineBench::profileWindow(true, "unresolve");
-    double w = wallNow(), c = cpuNow();
-    load->rib.reportUnresolved(via);
-    scheduler->runUntilIdle();
-    double const dw = wallNow() - w, dc = cpuNow() - c;
-    BowlineBench::profileWindow(false, "unresolve");
-    if (auto const left = load->rib.ribConfig->routeSize(); left != 0) {
-      state.SkipWithError(("RouteConfig holds " + std::to_string(left) + " routes after the withdrawal").c_str());
+    double const before = f.unresolveWall + f.resolveWall;
+    reconvergeOnce(*load, n, f);
+    if (f.wrong[0]) {
+      state.SkipWithError(f.wrong);
       break;
     }
-    BowlineBench::profileWindow(true, "resolve");
-    w = wallNow(), c = cpuNow();
-    load->rib.report(via);
-    scheduler->runUntilIdle();
-    double const uw = wallNow() - w, uc = cpuNow() - c;
-    BowlineBench::profileWindow(false, "resolve");
-    if (auto wrong = load->wrong(n, false); !wrong.empty()) {
-      state.SkipWithError(wrong.c_str());
-      break;
-    }
-    downCpu += dc, downWall += dw, upCpu += uc, upWall += uw;
-    state.SetIterationTime(dw + uw);
+    state.SetIterationTime(f.unresolveWall + f.resolveWall - before);
   }
-  double const runs = double(state.iterations());
-  state.counters["unresolve_cpu_s"] = downCpu / runs;
-  state.counters["unresolve_s"] = downWall / runs;
-  state.counters["resolve_cpu_s"] = upCpu / runs;
-  state.counters["resolve_s"] = upWall / runs;
+  reconvergeCounters(state, f);
 }
+
+BENCHMARK_TEMPLATE(BM_Cold, StatusStore)->Arg(100000)->Arg(1000000)->Iterations(1)->UseManualTime()->Unit(
+    benchmark::kMillisecond);
+BENCHMARK_TEMPLATE(BM_Cold, Rib)->Arg(100000)->Arg(1000000)->Iterations(1)->UseManualTime()->Unit(
+    benchmark::kMillisecond);
+BENCHMARK(BM_ReconvergeFresh)->Arg(100000)->Iterations(kFreshRuns100k)->UseManualTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_ReconvergeFresh)->Arg(1000000)->Iterations(kFreshRuns1M)->UseManualTime()->Unit(benchmark::kMillisecond);
+
+BENCHMARK_TEMPLATE(BM_Load, ListOnly)->Arg(100000)->Iterations(kRuns100k)->Unit(benchmark::kMillisecond);
+BENCHMARK_TEMPLATE(BM_Load, StatusStore)->Arg(100000)->Iterations(kRuns100k)->Unit(benchmark::kMillisecond);
+BENCHMARK_TEMPLATE(BM_Load, Rib)->Arg(100000)->Iterations(kRuns100k)->Unit(benchmark::kMillisecond);
+BENCHMARK_TEMPLATE(BM_Load, ListOnly)->Arg(1000000)->Iterations(kRuns1M)->Unit(benchmark::kMillisecond);
+BENCHMARK_TEMPLATE(BM_Load, StatusStore)->Arg(1000000)->Iterations(kRuns1M)->Unit(benchmark::kMillisecond);
+BENCHMARK_TEMPLATE(BM_Load, Rib)->Arg(1000000)->Iterations(kRuns1M)->Unit(benchmark::kMillisecond);
+
 BENCHMARK(BM_Reconverge)->Arg(100000)->Iterations(kRuns100k)->UseManualTime()->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_Reconverge)->Arg(1000000)->Iterations(kRuns1M)->UseManualTime()->Unit(benchmark::kMillisecond);
 
@@ -167,19 +228,24 @@ void printWarmRuns(BowlineBench::RatioReporter const& reporter) {
       std::printf("  %-8u %-13s %8.3f %10.0f %8.2f %8.2f\n", n, load, *cpu, n / *cpu, *cpu / *list, *cpu / *store);
     }
   }
-  std::printf("\nre-convergence with N routes installed (BM_Reconverge, mean per step)\n");
-  std::printf("  %-8s %-10s %8s %8s %10s %8s %8s %8s\n", "N", "step", "cpu s", "wall s", "routes/s", "/ list",
-              "/ store", "/ rib");
+  std::printf("\nre-convergence with N routes installed (mean per step): after a first load in a child "
+              "(BM_ReconvergeFresh), and after the warm loads (BM_Reconverge)\n");
+  std::printf("  %-8s %-10s %-6s %8s %8s %10s %8s %8s %8s\n", "N", "step", "heap", "cpu s", "wall s", "routes/s",
+              "/ list", "/ store", "/ rib");
   for (std::uint32_t n : {100000u, 1000000u}) {
-    std::string const name = "BM_Reconverge/" + std::to_string(n) + "/iterations:" + std::to_string(runsOf(n)) +
-                             "/manual_time";
     auto const list = loadCpu("ListOnly", n), store = loadCpu("StatusStore", n), rib = loadCpu("Rib", n);
+    std::string const fresh = "BM_ReconvergeFresh/" + std::to_string(n) + "/iterations:" +
+                              std::to_string(freshRunsOf(n)) + "/manual_time";
+    std::string const after =
+        "BM_Reconverge/" + std::to_string(n) + "/iterations:" + std::to_string(runsOf(n)) + "/manual_time";
     for (char const* step : {"unresolve", "resolve"}) {
-      auto const cpu = reporter.counter(name, std::string(step) + "_cpu_s");
-      auto const wall = reporter.counter(name, std::string(step) + "_s");
-      if (!cpu || !wall || !list || !store || !rib) continue;
-      std::printf("  %-8u %-10s %8.3f %8.3f %10.0f %8.2f %8.2f %8.2f\n", n, step, *cpu, *wall, n / *cpu, *cpu / *list,
-                  *cpu / *store, *cpu / *rib);
+      for (auto const& [heap, name] : {std::pair{"fresh", fresh}, std::pair{"used", after}}) {
+        auto const cpu = reporter.counter(name, std::string(step) + "_cpu_s");
+        auto const wall = reporter.counter(name, std::string(step) + "_s");
+        if (!cpu || !wall || !list || !store || !rib) continue;
+        std::printf("  %-8u %-10s %-6s %8.3f %8.3f %10.0f %8.2f %8.2f %8.2f\n", n, step, heap, *cpu, *wall, n / *cpu,
+                    *cpu / *list, *cpu / *store, *cpu / *rib);
+      }
     }
   }
 }

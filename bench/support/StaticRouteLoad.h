@@ -166,39 +166,22 @@ struct ColdFigures {
   char byType[3072];  // the slab's largest typed shares of the growth, one "bytes/route count/route type" a line
 };
 
-// Builds the list of N routes and then a Load on it (which runs its machines until idle) in a child
-// process forked from the parent as it is, so that the parent's heap stays as it was and the figures
-// are those of a first load (fresh pages, empty slab). The check of every route is not timed. What
-// was built is never torn down: the child ends with _exit, as a daemon that is killed.
-template <class Load>
-bool coldRunInChild(std::uint32_t n, std::size_t topTypes, ColdFigures& out, std::string& error) {
+// Runs `body` in a child process forked from the parent as it is, so that the parent's heap stays
+// as it was, and hands back what the body filled in: Figures is plain data with a `wrong` text,
+// empty when all was right. What the child built is never torn down: it ends with _exit, as a
+// daemon that is killed, and no static destructor runs either.
+template <class Figures, class Body>
+bool runInChild(Figures& out, Body&& body, std::string& error) {
   int fds[2];
   if (pipe(fds) != 0) return error = "pipe failed", false;
   pid_t const pid = fork();
   if (pid < 0) return error = "fork failed", false;
   if (pid == 0) {
     close(fds[0]);
-    ColdFigures f{};
-    auto const types0 = Plinth::typeStats();
-    double const rss0 = statusKib("VmRSS:");
-    std::size_t const heap0 = heapInUse(), slab0 = Plinth::bytesReserved();
-    double w = wallNow(), c = cpuNow();
-    auto list = routeListOf(n);
-    f.listWall = wallNow() - w, f.listCpu = cpuNow() - c;
-    std::size_t const heap1 = heapInUse(), slab1 = Plinth::bytesReserved();
-    w = wallNow(), c = cpuNow();
-    auto const* load = new Load(list);
-    f.loadWall = wallNow() - w, f.loadCpu = cpuNow() - c;
-    f.listHeap = double(heap1 - heap0), f.loadHeap = double(heapInUse() - heap1);
-    f.listSlab = double(slab1 - slab0), f.loadSlab = double(Plinth::bytesReserved() - slab1);
-    // Under the sanitizers malloc keeps no counts: the slab's figures stand in.
-    if (heap1 == heap0) f.listHeap = f.listSlab, f.loadHeap = f.loadSlab;
-    f.rssGrowthKib = statusKib("VmRSS:") - rss0;
-    f.peakRssKib = statusKib("VmHWM:");
-    std::snprintf(f.wrong, sizeof f.wrong, "%s", load->wrong(n, true).c_str());
-    std::snprintf(f.byType, sizeof f.byType, "%s", growthByType(types0, n, topTypes).c_str());
+    Figures f{};
+    body(f);
     bool const sent = write(fds[1], &f, sizeof f) == ssize_t(sizeof f);
-    _exit(sent ? 0 : 1);  // no static destructors either: the parent goes on
+    _exit(sent ? 0 : 1);
   }
   close(fds[1]);
   ssize_t const got = read(fds[0], &out, sizeof out);
@@ -212,12 +195,42 @@ bool coldRunInChild(std::uint32_t n, std::size_t topTypes, ColdFigures& out, std
   return true;
 }
 
+// Builds the list of N routes and then a Load on it (which runs its machines until idle) in a child,
+// so that the figures are those of a first load (fresh pages, empty slab). The check of every route
+// is not timed.
+template <class Load>
+bool coldRunInChild(std::uint32_t n, std::size_t topTypes, ColdFigures& out, std::string& error) {
+  return runInChild(
+      out,
+      [&](ColdFigures& f) {
+        auto const types0 = Plinth::typeStats();
+        double const rss0 = statusKib("VmRSS:");
+        std::size_t const heap0 = heapInUse(), slab0 = Plinth::bytesReserved();
+        double w = wallNow(), c = cpuNow();
+        auto list = routeListOf(n);
+        f.listWall = wallNow() - w, f.listCpu = cpuNow() - c;
+        std::size_t const heap1 = heapInUse(), slab1 = Plinth::bytesReserved();
+        w = wallNow(), c = cpuNow();
+        auto const* load = new Load(list);
+        f.loadWall = wallNow() - w, f.loadCpu = cpuNow() - c;
+        f.listHeap = double(heap1 - heap0), f.loadHeap = double(heapInUse() - heap1);
+        f.listSlab = double(slab1 - slab0), f.loadSlab = double(Plinth::bytesReserved() - slab1);
+        // Under the sanitizers malloc keeps no counts: the slab's figures stand in.
+        if (heap1 == heap0) f.listHeap = f.listSlab, f.loadHeap = f.loadSlab;
+        f.rssGrowthKib = statusKib("VmRSS:") - rss0;
+        f.peakRssKib = statusKib("VmHWM:");
+        std::snprintf(f.wrong, sizeof f.wrong, "%s", load->wrong(n, true).c_str());
+        std::snprintf(f.byType, sizeof f.byType, "%s", growthByType(types0, n, topTypes).c_str());
+      },
+      error);
+}
+
 // What each first load added, by type, under "label/N"; printed after the table.
 inline std::map<std::string, std::string> coldByType;
 
 // A Load is built on the list and runs its machines until idle; wrong(n, everyRoute) says what is
-// not as it should be ("" when all is); kLabel names it in the tables. One first load per iteration; its wall time is the
-// iteration's time (use with UseManualTime and Iterations(1)).
+// not as it should be ("" when all is); kLabel names it in the tables. One first load per
+// iteration; its wall time is the iteration's time (use with UseManualTime and Iterations(1)).
 template <class Load>
 void BM_Cold(benchmark::State& state) {
   auto const n = std::uint32_t(state.range(0));

@@ -1,5 +1,8 @@
 #include "protocol/ProtocolRouteStatusSm.h"
 
+#include <algorithm>
+#include <vector>
+
 #include "foundations/runtime/Clock.h"
 #include "foundations/runtime/Exception.h"
 #include "foundations/runtime/Flit.h"
@@ -231,14 +234,18 @@ void RouteStatusSm::doAddRouteWithLowestMetric(Prefix const& prefix, RoutePref& 
   if (!viaSet.viaCount()) {
     RS_TRACE(8, "doAddRouteWithLowestMetric " << prefix << " has zero vias in viaSet ");
   } else {
-    auto metricOf = [&](Rib::ViaKey const& k) -> RouteMetric {
-      auto entry = byType ? byType->dedupViaKey(k) : nullptr;
-      return entry ? entry->metric() : 0xffffffff;
-    };
-    for (Rib::ViaKey const& k : viaSet) lowest = std::min(lowest, metricOf(k));
-    std::uint32_t index = 0;
+    // One look-up per via: the metrics, then the lowest, then the vias that have it.
+    std::vector<RouteMetric> metrics;
+    metrics.reserve(viaSet.viaCount());
     for (Rib::ViaKey const& k : viaSet) {
-      if (metricOf(k) == lowest) lowestSet.viaKeyIs(Rib::Skein::ViaIndex(index++), k);
+      auto entry = byType ? byType->dedupViaKey(k) : nullptr;
+      metrics.push_back(entry ? entry->metric() : 0xffffffff);
+      lowest = std::min(lowest, metrics.back());
+    }
+    std::uint32_t index = 0;
+    std::uint32_t position = 0;
+    for (Rib::ViaKey const& k : viaSet) {
+      if (metrics[position++] == lowest) lowestSet.viaKeyIs(Rib::Skein::ViaIndex(index++), k);
     }
     RS_TRACE(8, "doAddRouteWithLowestMetric " << prefix << ", with " << index << " vias of metric: " << lowest);
   }

@@ -665,16 +665,14 @@ void RouteConfigSm::handleRouteVia(Route const& route, Via const& via, RouteList
   std::uint32_t weight = 0;
   OptWeight prevWeight;
   if (routeList && routeList->routeHas(route.key())) {
-    auto const* entity = static_cast<Zel::Entity const*>(&route);
-    auto const* anchor = Zel::Impl::getNotifyValues(entity, Route::viaId, typeid(RouteViaAttr));
-    if (anchor) {
-      auto const* now = static_cast<RouteViaAttr const*>(anchor->newValue);
-      auto const* old = static_cast<RouteViaAttr const*>(anchor->oldValue);
-      if (now) {
-        weight = now->weight();
-        if (old && old->weight() != now->weight()) prevWeight = old->weight();
-      } else if (old) {
-        weight = old->weight();
+    auto const change =
+        Zel::notifyValues<RouteViaAttr>(static_cast<Zel::Entity const*>(&route), Route::viaId);
+    if (change.inChange) {
+      if (change.after) {
+        weight = change.after->weight();
+        if (change.before && change.before->weight() != change.after->weight()) prevWeight = change.before->weight();
+      } else if (change.before) {
+        weight = change.before->weight();
       }
     } else if (route.viaHas(via)) {
       // Not a change of the via collection (a BFD-tracking change, say): the via as it stands.
@@ -769,13 +767,9 @@ namespace {
 // The former and the new entry of a VRF's tag index, from the change in progress.
 std::pair<RouteListTaggedConfig const*, RouteListTaggedConfig const*> taggedChange(
     VrfRouteListTaggedConfig const* tagged) {
-  using Ptr = VrfRouteListTaggedConfig::RouteListTaggedConfigPtr;
-  auto const* entity = static_cast<Zel::Entity const*>(tagged);
-  auto const* anchor = Zel::Impl::getNotifyValues(entity, VrfRouteListTaggedConfig::vrfConfigId, typeid(Ptr));
-  if (!anchor) return {nullptr, nullptr};
-  auto const* old = static_cast<Ptr const*>(anchor->oldValue);
-  auto const* now = static_cast<Ptr const*>(anchor->newValue);
-  return {old ? old->get() : nullptr, now ? now->get() : nullptr};
+  auto const change = Zel::notifyValues<VrfRouteListTaggedConfig::RouteListTaggedConfigPtr>(
+      static_cast<Zel::Entity const*>(tagged), VrfRouteListTaggedConfig::vrfConfigId);
+  return {change.before ? change.before->get() : nullptr, change.after ? change.after->get() : nullptr};
 }
 
 }  // namespace

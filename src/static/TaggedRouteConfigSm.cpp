@@ -59,16 +59,10 @@ void TaggedRouteConfigSm::reviewRoutesForTag(Zel::String const& tag) {
 
 void TaggedRouteConfigSm::handleTagToRouteKeySet(Zel::String const& tag) {
   TR_TRACE(8, "handleTagToRouteKeySet " << tag);
-  using Ptr = RouteListTaggedConfig::RouteKeySetPtr;
-  auto const* entity = static_cast<Zel::Entity const*>(taggedConfigForVrf().get());
-  auto const* anchor =
-      Zel::Impl::getNotifyValues(entity, RouteListTaggedConfig::tagToRouteKeySetId, typeid(Ptr));
-  RouteKeySet const* prev = nullptr;
-  RouteKeySet const* cur = nullptr;
-  if (anchor) {
-    if (auto const* old = static_cast<Ptr const*>(anchor->oldValue)) prev = old->get();
-    if (auto const* now = static_cast<Ptr const*>(anchor->newValue)) cur = now->get();
-  }
+  auto const change = Zel::notifyValues<RouteListTaggedConfig::RouteKeySetPtr>(
+      static_cast<Zel::Entity const*>(taggedConfigForVrf().get()), RouteListTaggedConfig::tagToRouteKeySetId);
+  RouteKeySet const* prev = change.before ? change.before->get() : nullptr;
+  RouteKeySet const* cur = change.after ? change.after->get() : nullptr;
   tagToRouteKeySetHelper(tag, prev, cur);
 }
 

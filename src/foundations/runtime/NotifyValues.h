@@ -45,11 +45,19 @@ T const* notifyOldValue(void const* object, AttrId attributeId) {
 
 namespace Zel {
 
-// The value after the change in progress, or null (no such change, or a deleted key).
+// Both values of the change in progress: `inChange` false when no such change runs; otherwise
+// `before` is null for a new key and `after` null for a deleted one.
 template <class T>
-T const* notifyNewValue(void const* object, AttrId attributeId) {
+struct NotifyValues {
+  T const* before = nullptr;
+  T const* after = nullptr;
+  bool inChange = false;
+};
+template <class T>
+NotifyValues<T> notifyValues(void const* object, AttrId attributeId) {
   auto const* a = Impl::getNotifyValues(object, attributeId, typeid(T));
-  return a ? static_cast<T const*>(a->newValue) : nullptr;
+  if (!a) return {};
+  return {static_cast<T const*>(a->oldValue), static_cast<T const*>(a->newValue), true};
 }
 
 }  // namespace Zel

@@ -71,7 +71,7 @@ Quill::Ptr<RouteStatusSm> ContainerSm::routeStatusSmIs(RouteStatusSm::Inputs con
 }
 
 Quill::Ptr<Rib::Ip::ViaConfigSm> ContainerSm::ipViaConfigSmIs(Quill::Ptr<Rib::Ip::ViaConfig> const& viaConfig) {
-  if (!ipViaConfigSm()) ipViaConfigSmIs(Rib::Ip::ViaConfigSm::ViaConfigSmIs(viaConfig));
+  if (!ipViaConfigSm()) ipViaConfigSmIs(Rib::Ip::ViaConfigSm::TableSmIs(viaConfig));
   return ipViaConfigSm();
 }
 

@@ -10,7 +10,7 @@
 #include "foundations/rib/EvpnViaConfig.h"
 #include "foundations/rib/IgpResultTable.h"
 #include "foundations/rib/IpViaConfig.h"
-#include "foundations/rib/IpViaConfigSm.h"
+#include "foundations/rib/TableSm.h"
 #include "foundations/rib/LoopingRouteStatus.h"
 #include "foundations/rib/NextHopDependencyGraph.h"
 #include "foundations/rib/RouteConfig.h"

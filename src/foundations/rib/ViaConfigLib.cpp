@@ -1,14 +1,15 @@
 #include "foundations/rib/ViaConfigLib.h"
 
-#include <set>
+#include <map>
 #include <string>
 
 namespace Routing::ViaConfigLib {
 
 namespace {
 
-std::set<std::string>& allVrfTables() {
-  static std::set<std::string> tables;
+// Each table with the number of roots that registered it (an old root may go after its successor came).
+std::map<std::string, unsigned, std::less<>>& allVrfTables() {
+  static std::map<std::string, unsigned, std::less<>> tables;
   return tables;
 }
 
@@ -27,11 +28,12 @@ bool isAllVrfViaConfig(std::string_view protocol, std::string_view transport, st
 }
 
 void allVrfViaConfigIs(std::string_view protocol, std::string_view transport, std::string_view rib) {
-  allVrfTables().insert(tableName(protocol, transport, rib));
+  ++allVrfTables()[tableName(protocol, transport, rib)];
 }
 
 void allVrfViaConfigDel(std::string_view protocol, std::string_view transport, std::string_view rib) {
-  allVrfTables().erase(tableName(protocol, transport, rib));
+  auto it = allVrfTables().find(tableName(protocol, transport, rib));
+  if (it != allVrfTables().end() && --it->second == 0) allVrfTables().erase(it);
 }
 
 }  // namespace Routing::ViaConfigLib

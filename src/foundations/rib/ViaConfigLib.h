@@ -15,6 +15,7 @@ namespace Routing::ViaConfigLib {
 // True when the protocol ("staticConfig"), transport ("ipv4") and RIB ("rib") have a table mounted
 // at the all-VRF path.
 [[nodiscard]] bool isAllVrfViaConfig(std::string_view protocol, std::string_view transport, std::string_view rib);
+// Registrations are counted: the table stays all-VRF until each registration is taken back.
 void allVrfViaConfigIs(std::string_view protocol, std::string_view transport, std::string_view rib);
 void allVrfViaConfigDel(std::string_view protocol, std::string_view transport, std::string_view rib);
 

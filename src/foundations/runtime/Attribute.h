@@ -146,7 +146,13 @@ class SetAttr : public CollAttrBase<SetAttr<K, Salt>, HashMap2018<K, void>> {
     return true;
   }
   bool del(Entity const& owner, AttrId id, K const& k) {
+    return del(owner, id, k, [](K const&) {});
+  }
+  // Erase, run the side effect, publish.
+  template <class SideEffect>
+  bool del(Entity const& owner, AttrId id, K const& k, SideEffect&& sideEffect) {
     if (!map_.erase(k)) return false;
+    sideEffect(k);
     Impl::publishWithOld<K>(owner, id, &k, nullptr, &k);
     return true;
   }
@@ -334,7 +340,8 @@ class OwnedAttr {
                                                                                \
  public:
 
-// A set whose insertion runs `handler(key)` of the class between storing and publishing.
+// A set whose insertions and deletions run `handler(key)` of the class between the change and its
+// publish (only on a real change).
 #define ZEL_SET_WITH_HANDLER(Key, name, id, handler)                           \
  public:                                                                       \
   ZEL_COLL_COMMON_(name, id)                                                   \
@@ -342,7 +349,9 @@ class OwnedAttr {
   bool name##Is(Key const& k) {                                                \
     return name##_.set(*this, name##Id, k, [this](Key const& key) { handler(key); }); \
   }                                                                            \
-  bool name##Del(Key const& k) { return name##_.del(*this, name##Id, k); }     \
+  bool name##Del(Key const& k) {                                               \
+    return name##_.del(*this, name##Id, k, [this](Key const& key) { handler(key); }); \
+  }                                                                            \
                                                                                \
  private:                                                                      \
   ::Zel::SetAttr<Key, ZEL_SALT(id)> name##_;                                   \

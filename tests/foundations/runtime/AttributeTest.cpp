@@ -149,7 +149,7 @@ TEST_F(AttributeTest, TeardownReleasesEveryAllocation) {
 namespace BowlineTest {
 namespace {
 
-// A set whose insertion has a side effect that runs before the publish, observed or not.
+// A set whose insertions and deletions have a side effect that runs before the publish.
 class ReadySet : public Zel::Entity {
  public:
   static Quill::Ptr<ReadySet> ReadySetIs() { return Zel::make<ReadySet>(); }
@@ -167,6 +167,9 @@ TEST(AttributeSideEffectTest, HandlerRunsAfterInsertBeforePublish) {
   EXPECT_TRUE(s->readyIs(4));
   EXPECT_FALSE(s->readyIs(4));
   EXPECT_EQ(s->effects, (std::vector<int>{41})) << "once, with the member already in";
+  EXPECT_TRUE(s->readyDel(4));
+  EXPECT_FALSE(s->readyDel(4));
+  EXPECT_EQ(s->effects, (std::vector<int>{41, 40})) << "once, with the member already out";
 }
 
 }  // namespace

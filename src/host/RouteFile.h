@@ -1,0 +1,79 @@
+// Host::RouteFile: a large set of routes read from a plain text file, one route a line, into one
+// compact vector. It owns its entries and the errors of the lines it could not read; the scenario
+// that names the file owns it, and the runner turns its entries into routes of one VRF.
+//
+// The format, one route a line, fields separated by blanks or tabs:
+//   PREFIX NEXTHOP [INTERFACE] [PREFERENCE]
+//   PREFIX INTERFACE [PREFERENCE]
+//   PREFIX drop [PREFERENCE]
+// '#' starts a comment that runs to the end of the line; blank lines are skipped. The preference is
+// 1..255 (absent: 1, the global preference applies). Two lines of the same prefix and preference are
+// one route with two vias.
+//
+// The scanner is written by hand and allocates nothing per line (interface names are interned by
+// Ondex::IntfId): it reads a million lines in well under a second.
+//
+// Iterator contract: entries() is a vector in file order; it does not change once loaded.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "foundations/records/RouteType.h"
+#include "foundations/types/IntfId.h"
+#include "foundations/types/IpGenAddr.h"
+#include "foundations/types/IpGenPrefix.h"
+
+namespace Host {
+
+class RouteFile {
+ public:
+  struct Entry {
+    Ondex::IpGenPrefix prefix;
+    Ondex::IpGenAddr nexthop;  // no address for a drop or interface-only route
+    Ondex::IntfId intf;
+    std::uint8_t preference = 1;
+    Routing::RouteType type = Routing::RouteType::forward;  // forward or drop
+    friend bool operator==(Entry const&, Entry const&) = default;
+  };
+
+  // "routes.txt:12: "10.0.0.300" is not an IP address"
+  struct Error {
+    std::string file;
+    std::size_t line = 0;  // 1-based; 0 when the file itself could not be read
+    std::string message;
+    [[nodiscard]] std::string text() const;
+  };
+
+  // No more errors than this are kept; errorCount() counts them all.
+  static constexpr std::size_t kMaxErrors = 100;
+
+  RouteFile() = default;
+
+  // Reads the file whole. `name` is the file as error messages name it (the path by default).
+  [[nodiscard]] static RouteFile load(std::string const& path, std::string name = {});
+  // Reads routes from text already in memory; `name` stands for the file in error messages.
+  [[nodiscard]] static RouteFile parse(std::string_view text, std::string name);
+
+  [[nodiscard]] std::vector<Entry> const& entries() const noexcept { return entries_; }
+  [[nodiscard]] std::size_t size() const noexcept { return entries_.size(); }
+  [[nodiscard]] std::vector<Error> const& errors() const noexcept { return errors_; }
+  [[nodiscard]] std::size_t errorCount() const noexcept { return errorCount_; }
+  [[nodiscard]] bool ok() const noexcept { return errorCount_ == 0; }
+  // Lines read, comments and blank lines included.
+  [[nodiscard]] std::size_t lines() const noexcept { return lines_; }
+
+ private:
+  void scan(std::string_view text, std::string const& name);
+  void error(std::string const& name, std::size_t line, std::string message);
+
+  std::vector<Entry> entries_;
+  std::vector<Error> errors_;
+  std::size_t errorCount_ = 0;
+  std::size_t lines_ = 0;
+};
+
+}  // namespace Host

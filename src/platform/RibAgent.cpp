@@ -282,30 +282,27 @@ void RibAgent::doResolveVrf(VrfId vrfId) {
     for (auto it = table->viaIteratorConst(); it; it.advance()) {
       if (it.key().vrfId() == vrfId) keys.push_back(it.key());
     }
-    std::sort(keys.begin(), keys.end());
-    for (ViaKey const& key : keys) doWrite(key, resolveViaKey(key));
-    if (auto leaf = viaMetricStatusByVrf_->leaf(vrfId, table->transport(), table->rp())) {
-      std::vector<ViaKey> stale;
-      for (auto it = leaf->viaMetricIteratorConst(); it; it.advance()) {
-        if (!table->viaHas(it.key())) stale.push_back(it.key());
-      }
-      for (ViaKey const& key : stale) leaf->viaMetricDel(key);
-    }
+    doResolveVias(vrfId, keys, *table);
   }
   if (!vrfId.isDefault()) return;
   for (auto const& table : in_.evpnViaConfigs) {
     std::vector<ViaKey> keys;
     for (auto it = table->viaIteratorConst(); it; it.advance()) keys.push_back(it.key());
-    std::sort(keys.begin(), keys.end());
-    for (ViaKey const& key : keys) doWrite(key, resolveViaKey(key));
-    if (auto leaf = viaMetricStatusByVrf_->leaf(vrfId, table->transport(), table->rp())) {
-      std::vector<ViaKey> stale;
-      for (auto it = leaf->viaMetricIteratorConst(); it; it.advance()) {
-        if (!table->viaHas(it.key())) stale.push_back(it.key());
-      }
-      for (ViaKey const& key : stale) leaf->viaMetricDel(key);
-    }
+    doResolveVias(vrfId, keys, *table);
   }
+}
+
+template <class Table>
+void RibAgent::doResolveVias(VrfId vrfId, std::vector<ViaKey>& keys, Table const& table) {
+  std::sort(keys.begin(), keys.end());
+  for (ViaKey const& key : keys) doWrite(key, resolveViaKey(key));
+  auto leaf = viaMetricStatusByVrf_->leaf(vrfId, table.transport(), table.rp());
+  if (!leaf) return;
+  std::vector<ViaKey> stale;
+  for (auto it = leaf->viaMetricIteratorConst(); it; it.advance()) {
+    if (!table.viaHas(it.key())) stale.push_back(it.key());
+  }
+  for (ViaKey const& key : stale) leaf->viaMetricDel(key);
 }
 
 void RibAgent::doWrite(ViaKey const& key, Result const& r) {
@@ -417,7 +414,6 @@ bool RibAgent::routeUsable(VrfId vrfId, RouteTable const& table, Routing::Rib::R
     looping = true;
     return false;
   }
-  bool usable = false;
   for (ViaKey const& key : *set) {
     if (key.transport() == Transport::transportEvpn()) {
       if (!vrfId.isDefault()) dependents_[VrfId::defaultVrf()].insert(vrfId);
@@ -427,10 +423,10 @@ bool RibAgent::routeUsable(VrfId vrfId, RouteTable const& table, Routing::Rib::R
       if (key.vrfId() != vrfId) dependents_[key.vrfId()].insert(vrfId);
     }
     Result const r = resolveViaKey(key);
+    if (r.resolved) return true;
     looping = looping || r.looping;
-    if (r.resolved) usable = true;
   }
-  return usable;
+  return false;
 }
 
 }  // namespace Platform

@@ -179,6 +179,10 @@ class RibAgent : public Zel::StateMachine<RibAgent> {
   // Brings the readiness tables in line with the VRF agent's VRFs.
   void doSyncVrfs();
   void doResolveVrf(VrfId vrfId);
+  // Resolves and reports the vias of `keys` (of `table`, in VRF vrfId), then drops the reports of
+  // vias the table no longer has.
+  template <class Table>
+  void doResolveVias(VrfId vrfId, std::vector<ViaKey>& keys, Table const& table);
   void doWrite(ViaKey const& key, Result const& r);
 
   Result resolveViaKey(ViaKey const& key);

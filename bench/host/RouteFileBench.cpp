@@ -71,7 +71,7 @@ void BM_Load_CountLines(benchmark::State& state) {
   std::string const& path = routeFile(state.range(0));
   for (auto _ : state) {
     int const fd = ::open(path.c_str(), O_RDONLY);
-    struct stat st{};
+    struct stat st {};
     ::fstat(fd, &st);
     std::size_t const size = std::size_t(st.st_size);
     void* p = ::mmap(nullptr, size, PROT_READ, MAP_PRIVATE | MAP_POPULATE, fd, 0);

@@ -92,7 +92,7 @@ class MappedFile {
       error_ = std::strerror(errno);
       return;
     }
-    struct stat st{};
+    struct stat st {};
     if (::fstat(fd, &st) != 0) {
       error_ = std::strerror(errno);
     } else if (!S_ISREG(st.st_mode)) {

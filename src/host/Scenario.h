@@ -91,7 +91,7 @@ struct StaticRoute {
   // The route's attributes: absent is not the same as present with no community.
   std::optional<std::vector<std::uint32_t>> communities;
   std::string leakVrf;
-  std::string commandTag;       // empty: none
+  std::string commandTag;          // empty: none
   std::uint16_t commandTagId = 0;  // the id the scenario gave the tag; 0: none
   bool ribBypass = false;
   bool dynamic = false;
@@ -236,7 +236,7 @@ struct Step {
 };
 
 struct Scenario {
-  std::string path;  // the scenario file as it was named
+  std::string path;       // the scenario file as it was named
   std::vector<Vrf> vrfs;  // "default" (id 0) first
   std::vector<Interface> interfaces;
   std::vector<CommandTag> commandTags;

@@ -5,6 +5,7 @@
 #include <charconv>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <initializer_list>
 #include <limits>
 #include <set>
@@ -69,7 +70,7 @@ class Map {
   bool read(std::string_view key, T& out, Parse&& parse) const {
     auto n = get(key);
     if (!n) return false;
-    if (auto v = parse(*n, path(key))) out = T(std::move(*v));
+    if (auto v = std::invoke(parse, reader_, *n, path(key))) out = T(std::move(*v));
     return true;
   }
   template <class T, class Parse>
@@ -129,7 +130,7 @@ class Reader {
     return v;
   }
   auto numberIn(std::uint64_t lo, std::uint64_t hi) {
-    return [this, lo, hi](Node const& n, std::string const& path) { return number(n, path, lo, hi); };
+    return [lo, hi](Reader& r, Node const& n, std::string const& path) { return r.number(n, path, lo, hi); };
   }
   std::optional<bool> boolean(Node const& n, std::string const& path) {
     auto t = text(n, path);
@@ -282,7 +283,9 @@ class Reader {
   }
   std::optional<BfdState> bfdState(Node const& n, std::string const& path) {
     return choice<BfdState>(n, path,
-                            {{"up", BfdState::up}, {"down", BfdState::down}, {"init", BfdState::init},
+                            {{"up", BfdState::up},
+                             {"down", BfdState::down},
+                             {"init", BfdState::init},
                              {"admin-down", BfdState::adminDown}});
   }
   std::optional<EcmpState> ecmp(Node const& n, std::string const& path) {
@@ -290,7 +293,20 @@ class Reader {
         n, path,
         {{"by-via-type", EcmpState::byViaType}, {"single-group", EcmpState::singleGroup}, {"none", EcmpState::none}});
   }
+  std::optional<Routing::RouteType> routeType(Node const& n, std::string const& path) {
+    return choice<Routing::RouteType>(n, path,
+                                      {{"forward", Routing::RouteType::forward},
+                                       {"drop", Routing::RouteType::drop},
+                                       {"drop-with-indication", Routing::RouteType::dropWithIndication}});
+  }
+  std::optional<RibOverrideKind> ribOverride(Node const& n, std::string const& path) {
+    return choice<RibOverrideKind>(n, path,
+                                   {{"resolved", RibOverrideKind::resolved},
+                                    {"unresolved", RibOverrideKind::unresolved},
+                                    {"clear", RibOverrideKind::clear}});
+  }
   auto preference() { return numberIn(1, 255); }
+  auto u32() { return numberIn(0, std::numeric_limits<std::uint32_t>::max()); }
 
   // Calls `each` for every element of a list, with its path "path[i]".
   template <class Each>
@@ -323,7 +339,7 @@ class Reader {
   std::filesystem::path baseDir_;
   std::vector<ScenarioError> errors_;
   Scenario sc_;
-  std::set<std::string> vrfsNow_;          // the VRFs that exist at the point being read
+  std::set<std::string> vrfsNow_;  // the VRFs that exist at the point being read
   std::set<std::uint32_t> vrfIdsNow_;
 };
 
@@ -397,7 +413,7 @@ std::optional<Vrf> Reader::vrfDecl(Node const& n, std::string const& path) {
   Map const m(*this, n, path, {"name", "id"});
   if (!m.valid()) return std::nullopt;
   Vrf v{{}, kNoVrfId, lineOf(n)};
-  m.readRequired("name", v.name, [this](Node const& e, std::string const& p) { return name(e, p); });
+  m.readRequired("name", v.name, &Reader::name);
   m.readRequired("id", v.id, numberIn(0, kNoVrfId - 1));
   if (v.name.empty() || v.id == kNoVrfId) return std::nullopt;
   if (v.name == kDefaultVrf) {
@@ -428,8 +444,8 @@ void Reader::readCommandTags(Node const& n) {
     Map const m(*this, e, p, {"name", "enabled"});
     if (!m.valid()) return;
     CommandTag t{{}, std::uint16_t(sc_.commandTags.size() + 1), true, lineOf(e)};
-    m.readRequired("name", t.name, [this](Node const& x, std::string const& q) { return name(x, q); });
-    m.read("enabled", t.enabled, [this](Node const& x, std::string const& q) { return boolean(x, q); });
+    m.readRequired("name", t.name, &Reader::name);
+    m.read("enabled", t.enabled, &Reader::boolean);
     if (t.name.empty()) return;
     if (sc_.commandTag(t.name)) {
       error(e, m.path("name"), fmt::format("command tag {} is declared twice", inQuotes(t.name)));
@@ -445,11 +461,11 @@ void Reader::readInterfaces(Node const& n) {
     if (!m.valid()) return;
     Interface i;
     i.line = lineOf(e);
-    m.readRequired("name", i.id, [this](Node const& x, std::string const& q) { return intfName(x, q); });
-    m.read("vrf", i.vrf, [this](Node const& x, std::string const& q) { return vrf(x, q); });
-    m.read("addresses", i.addresses, [this](Node const& x, std::string const& q) { return intfAddresses(x, q); });
-    m.read("routing", i.routing, [this](Node const& x, std::string const& q) { return boolean(x, q); });
-    m.read("up", i.up, [this](Node const& x, std::string const& q) { return boolean(x, q); });
+    m.readRequired("name", i.id, &Reader::intfName);
+    m.read("vrf", i.vrf, &Reader::vrf);
+    m.read("addresses", i.addresses, &Reader::intfAddresses);
+    m.read("routing", i.routing, &Reader::boolean);
+    m.read("up", i.up, &Reader::boolean);
     if (i.id.empty()) return;
     if (sc_.interface(i.id)) {
       error(e, m.path("name"), fmt::format("interface {} is declared twice", inQuotes(i.id.name())));
@@ -463,8 +479,8 @@ void Reader::readGlobal(Node const& n) {
   Map const m(*this, n, "global", {"preference", "ecmp", "mpls", "graceful_restart", "start_ready_verification"});
   Global& g = sc_.global;
   m.read("preference", g.preference, preference());
-  m.read("ecmp", g.ecmp, [this](Node const& x, std::string const& q) { return ecmp(x, q); });
-  auto flag = [this](Node const& x, std::string const& q) { return boolean(x, q); };
+  m.read("ecmp", g.ecmp, &Reader::ecmp);
+  auto flag = &Reader::boolean;
   m.read("mpls", g.mpls, flag);
   m.read("graceful_restart", g.gracefulRestart, flag);
   m.read("start_ready_verification", g.startReadyVerification, flag);
@@ -472,28 +488,27 @@ void Reader::readGlobal(Node const& n) {
 
 std::optional<Via> Reader::via(Node const& n, std::string const& path) {
   Map const m(*this, n, path,
-              {"nexthop", "interface", "metric", "weight", "label", "egress_vrf", "bfd", "local_address", "vtep",
-               "vni", "router_mac", "vtep_sip_validation"});
+              {"nexthop", "interface", "metric", "weight", "label", "egress_vrf", "bfd", "local_address", "vtep", "vni",
+               "router_mac", "vtep_sip_validation"});
   if (!m.valid()) return std::nullopt;
   std::size_t const errorsBefore = errors_.size();
   Via v;
   v.line = lineOf(n);
-  auto addr = [this](Node const& x, std::string const& q) { return address(x, q); };
-  auto flag = [this](Node const& x, std::string const& q) { return boolean(x, q); };
-  auto u32 = numberIn(0, std::numeric_limits<std::uint32_t>::max());
+  auto addr = &Reader::address;
+  auto flag = &Reader::boolean;
   m.read("nexthop", v.nexthop, addr);
-  m.read("interface", v.intf, [this](Node const& x, std::string const& q) { return intf(x, q); });
-  m.read("metric", v.metric, u32);
-  m.read("weight", v.weight, u32);
-  m.read("label", v.labels, [this](Node const& x, std::string const& q) { return labels(x, q); });
-  m.read("egress_vrf", v.egressVrf, [this](Node const& x, std::string const& q) { return name(x, q); });
+  m.read("interface", v.intf, &Reader::intf);
+  m.read("metric", v.metric, u32());
+  m.read("weight", v.weight, u32());
+  m.read("label", v.labels, &Reader::labels);
+  m.read("egress_vrf", v.egressVrf, &Reader::name);
   m.read("bfd", v.bfd, flag);
   if (m.read("local_address", v.localAddr, addr) && v.localAddr && v.localAddr->isUnspecified()) {
     error(n, m.path("local_address"), "the local address may not be the unspecified address");
   }
   bool const evpn = m.read("vtep", v.vtep, addr);
-  bool const hasVni = m.read("vni", v.vni, [this](Node const& x, std::string const& q) { return vni(x, q); });
-  bool const hasMac = m.read("router_mac", v.routerMac, [this](Node const& x, std::string const& q) { return mac(x, q); });
+  bool const hasVni = m.read("vni", v.vni, &Reader::vni);
+  bool const hasMac = m.read("router_mac", v.routerMac, &Reader::mac);
   bool const hasSip = m.read("vtep_sip_validation", v.vtepSipValidation, flag);
   if (evpn && (!hasVni || !hasMac)) {
     error(n, path, "an EVPN via (with a vtep) needs a vni and a router_mac");
@@ -520,23 +535,18 @@ std::optional<StaticRoute> Reader::route(Node const& n, std::string const& path,
   std::size_t const errorsBefore = errors_.size();
   StaticRoute r;
   r.line = lineOf(n);
-  m.readRequired("prefix", r.prefix, [this](Node const& x, std::string const& q) { return prefix(x, q); });
+  m.readRequired("prefix", r.prefix, &Reader::prefix);
   m.read("preference", r.preference, preference());
-  m.read("vrf", r.vrf, [this](Node const& x, std::string const& q) { return vrf(x, q); });
-  m.read("dynamic", r.dynamic, [this](Node const& x, std::string const& q) { return boolean(x, q); });
+  m.read("vrf", r.vrf, &Reader::vrf);
+  m.read("dynamic", r.dynamic, &Reader::boolean);
   if (form.user) {
-    m.readRequired("user", *user, [this](Node const& x, std::string const& q) { return name(x, q); });
+    m.readRequired("user", *user, &Reader::name);
   }
-  m.read("tag", r.tag, numberIn(0, std::numeric_limits<std::uint32_t>::max()));
-  m.read("type", r.type, [this](Node const& x, std::string const& q) {
-    return choice<Routing::RouteType>(x, q,
-                                      {{"forward", Routing::RouteType::forward},
-                                       {"drop", Routing::RouteType::drop},
-                                       {"drop-with-indication", Routing::RouteType::dropWithIndication}});
-  });
-  m.read("communities", r.communities, [this](Node const& x, std::string const& q) { return communities(x, q); });
-  m.read("leak_vrf", r.leakVrf, [this](Node const& x, std::string const& q) { return name(x, q); });
-  m.read("rib_bypass", r.ribBypass, [this](Node const& x, std::string const& q) { return boolean(x, q); });
+  m.read("tag", r.tag, u32());
+  m.read("type", r.type, &Reader::routeType);
+  m.read("communities", r.communities, &Reader::communities);
+  m.read("leak_vrf", r.leakVrf, &Reader::name);
+  m.read("rib_bypass", r.ribBypass, &Reader::boolean);
   if (auto t = m.get("command_tag")) {
     if (auto tagName = name(*t, m.path("command_tag"))) {
       if (CommandTag const* tag = sc_.commandTag(*tagName)) {
@@ -578,9 +588,9 @@ void Reader::readInjected(Node const& n) {
     if (!m.valid()) return;
     InjectedUser u;
     u.line = lineOf(e);
-    m.readRequired("user", u.user, [this](Node const& x, std::string const& q) { return name(x, q); });
-    m.read("vrf", u.vrf, [this](Node const& x, std::string const& q) { return vrf(x, q); });
-    m.read("install_in_fib", u.installInFib, [this](Node const& x, std::string const& q) { return boolean(x, q); });
+    m.readRequired("user", u.user, &Reader::name);
+    m.read("vrf", u.vrf, &Reader::vrf);
+    m.read("install_in_fib", u.installInFib, &Reader::boolean);
     for (InjectedUser const& other : sc_.injected) {
       if (!u.user.empty() && other.user == u.user && other.vrf == u.vrf) {
         error(e, m.path("user"), fmt::format("user {} is given twice in VRF {}", inQuotes(u.user), u.vrf));
@@ -606,10 +616,10 @@ std::optional<BfdSession> Reader::bfdSession(Node const& n, std::string const& p
   std::size_t const errorsBefore = errors_.size();
   BfdSession s;
   s.line = lineOf(n);
-  m.readRequired("peer", s.peer, [this](Node const& x, std::string const& q) { return address(x, q); });
-  m.read("vrf", s.vrf, [this](Node const& x, std::string const& q) { return vrf(x, q); });
-  m.read("interface", s.intf, [this](Node const& x, std::string const& q) { return intf(x, q); });
-  m.readRequired("state", s.state, [this](Node const& x, std::string const& q) { return bfdState(x, q); });
+  m.readRequired("peer", s.peer, &Reader::address);
+  m.read("vrf", s.vrf, &Reader::vrf);
+  m.read("interface", s.intf, &Reader::intf);
+  m.readRequired("state", s.state, &Reader::bfdState);
   if (errors_.size() != errorsBefore) return std::nullopt;
   return s;
 }
@@ -626,8 +636,8 @@ void Reader::readRouteFiles(Node const& n) {
     if (!m.valid()) return;
     RouteFileSource src;
     src.line = lineOf(e);
-    m.readRequired("path", src.path, [this](Node const& x, std::string const& q) { return text(x, q); });
-    m.read("vrf", src.vrf, [this](Node const& x, std::string const& q) { return vrf(x, q); });
+    m.readRequired("path", src.path, &Reader::text);
+    m.read("vrf", src.vrf, &Reader::vrf);
     if (src.path.empty()) return;
     std::filesystem::path const full = baseDir_ / src.path;
     src.routes = RouteFile::load(full.string(), full.lexically_normal().string());
@@ -639,7 +649,8 @@ void Reader::readRouteFiles(Node const& n) {
       }
     }
     if (src.routes.errorCount() > src.routes.errors().size()) {
-      error(e, m.path("path"), fmt::format("{} more errors in the route file", src.routes.errorCount() - src.routes.errors().size()));
+      error(e, m.path("path"),
+            fmt::format("{} more errors in the route file", src.routes.errorCount() - src.routes.errors().size()));
     }
     std::set<Ondex::IntfId> undeclared;
     for (RouteFile::Entry const& r : src.routes.entries()) {
@@ -653,10 +664,10 @@ void Reader::readRouteFiles(Node const& n) {
 }
 
 // The steps by the key that names them, in the order the documentation gives them.
-constexpr std::string_view kStepKinds[] = {
-    "add_route",  "remove_route", "replace_route", "add_injected", "remove_injected", "replace_injected",
-    "global",     "add_vrf",      "remove_vrf",    "interface",    "bfd",             "rib",
-    "command_tag", "restart",     "show",          "settle"};
+constexpr std::string_view kStepKinds[] = {"add_route",       "remove_route",     "replace_route", "add_injected",
+                                           "remove_injected", "replace_injected", "global",        "add_vrf",
+                                           "remove_vrf",      "interface",        "bfd",           "rib",
+                                           "command_tag",     "restart",          "show",          "settle"};
 
 void Reader::readSteps(Node const& n) {
   forEach(n, "steps", [&](Node const& e, std::string const& p) {
@@ -692,7 +703,7 @@ std::optional<Step::Kind> Reader::routeStep(RouteOp op, bool injected, Node cons
 std::optional<Step::Kind> Reader::step(std::string_view kind, Node const& args, std::string const& path) {
   std::size_t const errorsBefore = errors_.size();
   auto ok = [&]() { return errors_.size() == errorsBefore; };
-  auto flag = [this](Node const& x, std::string const& q) { return boolean(x, q); };
+  auto flag = &Reader::boolean;
   auto noArgs = [&]() {
     if (!args.IsNull()) error(args, path, "takes no settings");
     return ok();
@@ -707,7 +718,7 @@ std::optional<Step::Kind> Reader::step(std::string_view kind, Node const& args, 
     Map const m(*this, args, path, {"preference", "ecmp", "mpls", "start_ready_verification"});
     GlobalStep g;
     m.read("preference", g.preference, preference());
-    m.read("ecmp", g.ecmp, [this](Node const& x, std::string const& q) { return ecmp(x, q); });
+    m.read("ecmp", g.ecmp, &Reader::ecmp);
     m.read("mpls", g.mpls, flag);
     m.read("start_ready_verification", g.startReadyVerification, flag);
     if (m.valid() && args.size() == 0) error(args, path, "changes nothing");
@@ -741,10 +752,10 @@ std::optional<Step::Kind> Reader::step(std::string_view kind, Node const& args, 
   if (kind == "interface") {
     Map const m(*this, args, path, {"name", "up", "routing", "add_address", "remove_address"});
     InterfaceStep s;
-    m.readRequired("name", s.id, [this](Node const& x, std::string const& q) { return intf(x, q); });
+    m.readRequired("name", s.id, &Reader::intf);
     m.read("up", s.up, flag);
     m.read("routing", s.routing, flag);
-    auto addrs = [this](Node const& x, std::string const& q) { return intfAddresses(x, q); };
+    auto addrs = &Reader::intfAddresses;
     m.read("add_address", s.addAddresses, addrs);
     m.read("remove_address", s.removeAddresses, addrs);
     if (m.valid() && args.size() < 2) error(args, path, "changes nothing");
@@ -759,17 +770,11 @@ std::optional<Step::Kind> Reader::step(std::string_view kind, Node const& args, 
   if (kind == "rib") {
     Map const m(*this, args, path, {"vrf", "nexthop", "interface", "state", "metric"});
     RibStep s;
-    m.read("vrf", s.vrf, [this](Node const& x, std::string const& q) { return vrf(x, q); });
-    m.readRequired("nexthop", s.nexthop, [this](Node const& x, std::string const& q) { return address(x, q); });
-    m.read("interface", s.intf, [this](Node const& x, std::string const& q) { return intf(x, q); });
-    m.readRequired("state", s.kind, [this](Node const& x, std::string const& q) {
-      return choice<RibOverrideKind>(x, q,
-                                     {{"resolved", RibOverrideKind::resolved},
-                                      {"unresolved", RibOverrideKind::unresolved},
-                                      {"clear", RibOverrideKind::clear}});
-    });
-    if (m.read("metric", s.metric, numberIn(0, std::numeric_limits<std::uint32_t>::max())) &&
-        s.kind != RibOverrideKind::resolved) {
+    m.read("vrf", s.vrf, &Reader::vrf);
+    m.readRequired("nexthop", s.nexthop, &Reader::address);
+    m.read("interface", s.intf, &Reader::intf);
+    m.readRequired("state", s.kind, &Reader::ribOverride);
+    if (m.read("metric", s.metric, u32()) && s.kind != RibOverrideKind::resolved) {
       error(args, m.path("metric"), "a metric goes with state resolved only");
     }
     if (!ok()) return std::nullopt;
@@ -805,8 +810,8 @@ std::optional<Step::Kind> Reader::step(std::string_view kind, Node const& args, 
       return s;
     }
     Map const m(*this, args, path, {"label", "vrf"});
-    m.read("label", s.label, [this](Node const& x, std::string const& q) { return text(x, q); });
-    m.read("vrf", s.vrf, [this](Node const& x, std::string const& q) { return vrf(x, q); });
+    m.read("label", s.label, &Reader::text);
+    m.read("vrf", s.vrf, &Reader::vrf);
     if (!ok()) return std::nullopt;
     return s;
   }

@@ -62,20 +62,20 @@ TEST(RouteFileTest, EveryLineFormWithCommentsAndBlankLines) {
 
 TEST(RouteFileTest, BadLinesAreNamedByLineAndTheRestStillLoads) {
   RouteFile const rf = RouteFile::parse(
-      "10.0.0.0/8 192.168.1.1\n"      // 1 ok
-      "10.0.0.300/8 192.168.1.1\n"    // 2 bad prefix address
-      "10.0.0.0/33 192.168.1.1\n"     // 3 length too long
-      "10.0.0.0 192.168.1.1\n"        // 4 no length
-      "10.1.0.0/16 192.168.1.300\n"   // 5 bad next hop
-      "10.2.0.0/16\n"                 // 6 nothing after the prefix
-      "10.3.0.0/16 192.168.1.1 0\n"   // 7 preference 0
-      "10.3.0.0/16 192.168.1.1 256\n" // 8 preference too large
-      "10.4.0.0/16 drop 5 extra\n"    // 9 trailing field
-      "10.5.0.0/16 01.2.3.4\n"        // 10 leading zero
-      "2001:db8::/129 ::1\n"          // 11 IPv6 length too long
-      "2001:db8::/64 2001:db8:::1\n"  // 12 bad IPv6 next hop
+      "10.0.0.0/8 192.168.1.1\n"                       // 1 ok
+      "10.0.0.300/8 192.168.1.1\n"                     // 2 bad prefix address
+      "10.0.0.0/33 192.168.1.1\n"                      // 3 length too long
+      "10.0.0.0 192.168.1.1\n"                         // 4 no length
+      "10.1.0.0/16 192.168.1.300\n"                    // 5 bad next hop
+      "10.2.0.0/16\n"                                  // 6 nothing after the prefix
+      "10.3.0.0/16 192.168.1.1 0\n"                    // 7 preference 0
+      "10.3.0.0/16 192.168.1.1 256\n"                  // 8 preference too large
+      "10.4.0.0/16 drop 5 extra\n"                     // 9 trailing field
+      "10.5.0.0/16 01.2.3.4\n"                         // 10 leading zero
+      "2001:db8::/129 ::1\n"                           // 11 IPv6 length too long
+      "2001:db8::/64 2001:db8:::1\n"                   // 12 bad IPv6 next hop
       "10.6.0.0/16 192.168.1.1 Ethernet1 Ethernet2\n"  // 13 two interfaces
-      "10.7.0.0/16 192.168.1.7\n",    // 14 ok
+      "10.7.0.0/16 192.168.1.7\n",                     // 14 ok
       "bad.txt");
   EXPECT_FALSE(rf.ok());
   ASSERT_EQ(rf.entries().size(), 2u);

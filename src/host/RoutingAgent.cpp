@@ -39,6 +39,10 @@ RoutingAgent::~RoutingAgent() {
   staticRoot_ = nullptr;
 }
 
+void RoutingAgent::startReadyVerificationIs(bool start) {
+  for (auto const& root : {staticRoot_, routeInputRoot_}) root->grState()->startReadyVerificationIs(start);
+}
+
 void RoutingAgent::doReleaseContainers(VrfContainers& holder) {
   // Reverse order of construction: route input before static, IPv6 before IPv4.
   while (!holder.containers.empty()) holder.containers.erase(std::prev(holder.containers.end()));
@@ -116,6 +120,8 @@ Quill::Ptr<Routing::Input::ContainerSm> RoutingAgent::containerIs(L3::VrfName co
   in.scheduler = env_.scheduler;
   in.allEgressVrfIntfStatusHelperSm = egress_;
   in.igpResultTable = env_.igpResultTable;
+  in.configTagStatus = env_.configTagStatus;
+  in.configTagIdState = env_.configTagIdState;
   if (root.routingProtocol() == Protocol::staticConfig()) {
     in.config = config.config;
     in.configDynamic = config.configDynamic;

@@ -41,7 +41,7 @@ struct VrfConfig {
 
 class RoutingAgent {
  public:
-  using VrfId = Vrf::VrfIdMap::VrfId;
+  using VrfId = ::Vrf::VrfIdMap::VrfId;
   using Protocol = Routing::Rib::RoutingProtocol;
 
   // What the agent is given: the process's stores (records of the other agents at their paths,
@@ -54,6 +54,8 @@ class RoutingAgent {
     Quill::Ptr<Mpls::Config const> mpls;
     Quill::Ptr<Routing::Bgp::IgpResultTable> igpResultTable;
     Quill::Ptr<Routing::Rib::ViaStatusByVrf const> viaStatusByVrf;
+    Quill::Ptr<ConfigTag::ConfigTagStatus const> configTagStatus;
+    Quill::Ptr<ConfigTag::ConfigTagIdState const> configTagIdState;
     bool gracefulRestart = false;
     std::uint32_t maxRoutes = 1u << 22;
     std::uint32_t maxViaSets = 1u << 16;
@@ -83,9 +85,8 @@ class RoutingAgent {
   }
   [[nodiscard]] Quill::Ptr<Routing::Input::ContainerSm> container(L3::VrfName const& vrf, Ondex::AddressFamily af,
                                                                   Protocol protocol) const;
-  [[nodiscard]] Quill::Ptr<Routing::Protocol::GrState> const& grState() const {
-    return staticRoot_->grState();
-  }
+  // The hosting agent's word that ready verification may start, given to every root's state.
+  void startReadyVerificationIs(bool start);
 
  private:
   struct VrfContainers {

@@ -1045,7 +1045,13 @@ void RouteConfigSm::RiZelConfig::onAttribute(Zel::AttrId id, void const* key) {
   auto input = notifier();
   if (!input || parent->zelMarkedForDeletion()) return;
   if (id == RouteInput::routeId) {
-    RouteKey const& routeKey = *static_cast<RouteKey const*>(key);
+    RouteKey const routeKey = *static_cast<RouteKey const*>(key);
+    // A route replaced by another of the same key (or removed) takes its vias out now: the review
+    // of the key only enters what the current route has.
+    auto const former = route_.get(routeKey);
+    if (former && former->notifier() && former->notifier() != input->route(routeKey)) {
+      parent->handleRouteKeyDelete(routeKey);
+    }
     parent->handleRoute(routeKey);
     if (sipValidationHelper_) sipValidationHelper_->handleSipValidationRoute(routeKey, true);
     if (auto route = input->route(routeKey))

@@ -1,10 +1,8 @@
 #!/usr/bin/env bash
-# Installs what is missing, builds, and runs the main program on its default load.
-# Until the host program lands this runs the foundations benchmarks.
+# Installs what is missing, builds, and runs the host program on its default scenario
+# (extra arguments go to `bowline run`, e.g. `scripts/run.sh other.yaml --json`).
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/setup.sh
 scripts/build.sh build
-for b in build/HashMap2018Bench build/PublisherBench build/TraceBench build/BacklogBench; do
-  [ -x "$b" ] && "$b" --benchmark_min_time=0.2 "$@"
-done
+exec build/bowline run "$@"

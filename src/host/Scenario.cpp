@@ -17,43 +17,19 @@ Routing::Via Via::routingVia() const {
   return v;
 }
 
-char const* ecmpStateName(EcmpState s) {
-  switch (s) {
-    case EcmpState::byViaType:
-      return "by-via-type";
-    case EcmpState::singleGroup:
-      return "single-group";
-    case EcmpState::none:
-      return "none";
-  }
-  return "?";
+namespace {
+
+// The name of an enumeration's value from its table, "?" past it.
+template <std::size_t N, class E>
+[[nodiscard]] char const* nameIn(char const* const (&names)[N], E value) {
+  return std::size_t(value) < N ? names[std::size_t(value)] : "?";
 }
 
-char const* bfdStateName(BfdState s) {
-  switch (s) {
-    case BfdState::adminDown:
-      return "admin-down";
-    case BfdState::down:
-      return "down";
-    case BfdState::init:
-      return "init";
-    case BfdState::up:
-      return "up";
-  }
-  return "?";
-}
+}  // namespace
 
-char const* routeOpName(RouteOp op) {
-  switch (op) {
-    case RouteOp::add:
-      return "add";
-    case RouteOp::remove:
-      return "remove";
-    case RouteOp::replace:
-      return "replace";
-  }
-  return "?";
-}
+char const* ecmpStateName(EcmpState s) { return nameIn({"by-via-type", "single-group", "none"}, s); }
+char const* bfdStateName(BfdState s) { return nameIn({"admin-down", "down", "init", "up"}, s); }
+char const* routeOpName(RouteOp op) { return nameIn({"add", "remove", "replace"}, op); }
 
 Vrf const* Scenario::vrf(std::string_view name) const {
   auto it = std::find_if(vrfs.begin(), vrfs.end(), [&](Vrf const& v) { return v.name == name; });

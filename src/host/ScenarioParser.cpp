@@ -140,41 +140,40 @@ class Reader {
     error(n, path, fmt::format("{} is not true or false", inQuotes(*t)));
     return std::nullopt;
   }
-  std::optional<Ondex::IpGenAddr> address(Node const& n, std::string const& path) {
+  // The value `parse` makes of the scalar, or the error that the scalar "is not `what`".
+  template <class Parse>
+  auto scalarAs(Node const& n, std::string const& path, char const* what, Parse&& parse)
+      -> decltype(parse(std::string_view())) {
     auto t = text(n, path);
     if (!t) return std::nullopt;
-    auto a = Ondex::IpGenAddr::fromString(*t);
-    if (!a || !a->af().isSet()) {
-      error(n, path, fmt::format("{} is not an IP address", inQuotes(*t)));
-      return std::nullopt;
-    }
-    return a;
+    auto v = parse(std::string_view(*t));
+    if (!v) error(n, path, fmt::format("{} is not {}", inQuotes(*t), what));
+    return v;
+  }
+  std::optional<Ondex::IpGenAddr> address(Node const& n, std::string const& path) {
+    return scalarAs(n, path, "an IP address", [](std::string_view t) {
+      auto a = Ondex::IpGenAddr::fromString(t);
+      return a && a->af().isSet() ? a : std::nullopt;
+    });
   }
   std::optional<Ondex::IpGenPrefix> prefix(Node const& n, std::string const& path) {
-    auto t = text(n, path);
-    if (!t) return std::nullopt;
-    auto p = Ondex::IpGenPrefix::fromString(*t);
-    if (!p || !p->af().isSet()) {
-      error(n, path, fmt::format("{} is not a prefix (address/length)", inQuotes(*t)));
-      return std::nullopt;
-    }
-    return p;
+    return scalarAs(n, path, "a prefix (address/length)", [](std::string_view t) {
+      auto p = Ondex::IpGenPrefix::fromString(t);
+      return p && p->af().isSet() ? p : std::nullopt;
+    });
   }
   std::optional<IntfAddress> intfAddress(Node const& n, std::string const& path) {
-    auto t = text(n, path);
-    if (!t) return std::nullopt;
-    std::size_t const slash = t->rfind('/');
-    if (slash != std::string::npos) {
-      auto a = Ondex::IpGenAddr::fromString(std::string_view(*t).substr(0, slash));
+    return scalarAs(n, path, "an interface address (address/length)", [](std::string_view t) {
+      std::size_t const slash = t.rfind('/');
+      if (slash == std::string_view::npos) return std::optional<IntfAddress>();
+      auto a = Ondex::IpGenAddr::fromString(t.substr(0, slash));
       unsigned len = 0;
-      auto [end, ec] = std::from_chars(t->data() + slash + 1, t->data() + t->size(), len);
-      if (a && a->af().isSet() && ec == std::errc() && end == t->data() + t->size() && slash + 1 < t->size() &&
-          len <= a->af().bits()) {
-        return IntfAddress{*a, std::uint8_t(len)};
+      auto [end, ec] = std::from_chars(t.data() + slash + 1, t.data() + t.size(), len);
+      if (!a || !a->af().isSet() || ec != std::errc() || end != t.data() + t.size() || len > a->af().bits()) {
+        return std::optional<IntfAddress>();
       }
-    }
-    error(n, path, fmt::format("{} is not an interface address (address/length)", inQuotes(*t)));
-    return std::nullopt;
+      return std::optional<IntfAddress>(IntfAddress{*a, std::uint8_t(len)});
+    });
   }
   std::optional<std::vector<IntfAddress>> intfAddresses(Node const& n, std::string const& path) {
     std::vector<IntfAddress> out;
@@ -188,14 +187,10 @@ class Reader {
     return out;
   }
   std::optional<Ondex::IntfId> intfName(Node const& n, std::string const& path) {
-    auto t = text(n, path);
-    if (!t) return std::nullopt;
-    auto id = Ondex::IntfId::fromString(*t);
-    if (!id || id->empty()) {
-      error(n, path, fmt::format("{} is not an interface name", inQuotes(*t)));
-      return std::nullopt;
-    }
-    return id;
+    return scalarAs(n, path, "an interface name", [](std::string_view t) {
+      auto id = Ondex::IntfId::fromString(t);
+      return id && !id->empty() ? id : std::nullopt;
+    });
   }
   // An interface the scenario declares.
   std::optional<Ondex::IntfId> intf(Node const& n, std::string const& path) {
@@ -216,14 +211,10 @@ class Reader {
     return v;
   }
   std::optional<Ondex::EthAddr> mac(Node const& n, std::string const& path) {
-    auto t = text(n, path);
-    if (!t) return std::nullopt;
-    auto m = Ondex::EthAddr::fromString(*t);
-    if (!m || m->isZero()) {
-      error(n, path, fmt::format("{} is not a MAC address", inQuotes(*t)));
-      return std::nullopt;
-    }
-    return m;
+    return scalarAs(n, path, "a MAC address", [](std::string_view t) {
+      auto m = Ondex::EthAddr::fromString(t);
+      return m && !m->isZero() ? m : std::nullopt;
+    });
   }
   std::optional<Vxlan::VniExtOrNone> vni(Node const& n, std::string const& path) {
     auto v = number(n, path, Vxlan::VniExt::kMin, Vxlan::VniExt::kMax);

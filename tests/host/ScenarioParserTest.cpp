@@ -385,4 +385,24 @@ TEST(ScenarioParserTest, StepsSeeTheVrfsOfTheStepsBefore) {
   EXPECT_EQ(r.scenario->steps[3].line, 6);
 }
 
+TEST(ScenarioParserTest, PrintedNamesAreTheWordsTheFileTakes) {
+  // What a run prints of a BFD state or an ECMP setting can be pasted back into a scenario.
+  for (BfdState s : {BfdState::adminDown, BfdState::down, BfdState::init, BfdState::up}) {
+    ScenarioParse const r = parse(std::string("bfd: [{peer: 1.1.1.1, state: ") + bfdStateName(s) + "}]\n");
+    ASSERT_TRUE(r.ok()) << r.errorText();
+    EXPECT_EQ(r.scenario->bfd[0].state, s) << bfdStateName(s);
+  }
+  for (EcmpState s : {EcmpState::byViaType, EcmpState::singleGroup, EcmpState::none}) {
+    ScenarioParse const r = parse(std::string("global: {ecmp: ") + ecmpStateName(s) + "}\n");
+    ASSERT_TRUE(r.ok()) << r.errorText();
+    EXPECT_EQ(r.scenario->global.ecmp, s) << ecmpStateName(s);
+  }
+  for (RouteOp op : {RouteOp::add, RouteOp::remove, RouteOp::replace}) {
+    ScenarioParse const r = parse(std::string("steps:\n  - ") + routeOpName(op) + "_route: {prefix: 10.0.0.0/8" +
+                                  (op == RouteOp::remove ? "}\n" : ", type: drop}\n"));
+    ASSERT_TRUE(r.ok()) << r.errorText();
+    EXPECT_EQ(std::get<RouteStep>(r.scenario->steps[0].kind).op, op) << routeOpName(op);
+  }
+}
+
 }  // namespace

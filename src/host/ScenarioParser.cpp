@@ -369,6 +369,10 @@ ScenarioParse Reader::run(std::string_view yaml) {
     return ScenarioParse{std::nullopt, std::move(errors_)};
   }
   sc_.path = file_;
+  if (root.IsNull()) {
+    errors_.push_back(ScenarioError{file_, 0, {}, "the scenario is empty"});
+    return ScenarioParse{std::nullopt, std::move(errors_)};
+  }
   Map const top(*this, root, "",
                 {"vrfs", "interfaces", "command_tags", "global", "routes", "injected", "bfd", "route_files", "steps"});
   if (top.valid()) {

@@ -327,6 +327,7 @@ TEST(ScenarioParserTest, EachClassOfErrorNamesFileLineAndField) {
       {"removing the default VRF",
        "steps: [{remove_vrf: default}]\n",
        {"s.yaml:1: steps[0].remove_vrf: the default VRF cannot be removed"}},
+      {"empty file", "# nothing but a comment\n", {"s.yaml: the scenario is empty"}},
       {"YAML syntax", "routes: [{prefix: 10.0.0.0/8\n", {"s.yaml:2: end of map flow not found"}},
       {"route file errors",
        "route_files: [{path: missing.txt}, {path: bad-routes.txt}]\n",

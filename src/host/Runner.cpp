@@ -1,6 +1,7 @@
 #include "host/Runner.h"
 
 #include <chrono>
+#include <memory>
 #include <sstream>
 
 #include <fmt/format.h>
@@ -116,8 +117,9 @@ int runScenario(Scenario const& scenario, RunOptions const& options, std::ostrea
   double converge = 0;
   double output = 0;
   std::size_t routes = 0;
+  auto owned = std::make_unique<Switch>(scenario, scheduler);
   {
-    Switch sw(scenario, scheduler);
+    Switch& sw = *owned;
     auto t0 = std::chrono::steady_clock::now();
     sw.start();
     sw.settle();
@@ -155,6 +157,10 @@ int runScenario(Scenario const& scenario, RunOptions const& options, std::ostrea
     if (options.json) out << nlohmann::json({{"shows", std::move(shows)}}).dump(2) << "\n";
     output += secondsSince(t2);
   }
+  if (options.keepAtExit)
+    (void)owned.release();  // NOLINT: deliberately left to the process's exit
+  else
+    owned.reset();
   if (options.stats) {
     err << fmt::format("stats: load {:.3f} s, converge {:.3f} s, output {:.3f} s, routes installed {}\n",
                        options.loadSeconds, converge, output, routes);

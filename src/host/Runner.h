@@ -19,6 +19,9 @@ struct RunOptions {
   bool json = false;
   bool stats = false;
   double loadSeconds = 0;  // the time the caller took to read the scenario, for the stats
+  // Leave the switch standing at the end (a program about to exit): the process's exit returns the
+  // memory at once, where tearing down every state machine walks every route.
+  bool keepAtExit = false;
 };
 
 // The text of one show: per VRF and family the installed routes, then the VRF's readiness.

@@ -2,6 +2,7 @@
 // it builds. `bowline run [SCENARIO]` runs it (the shipped default scenario when none is given);
 // `bowline check SCENARIO` only reads and checks it.
 #include <chrono>
+#include <cstdlib>
 #include <iostream>
 #include <string>
 #include <vector>
@@ -58,5 +59,9 @@ int main(int argc, char** argv) {
       return 2;
     }
   }
-  return Host::runScenario(*parse.scenario, options, std::cout, std::cerr);
+  options.keepAtExit = true;
+  int const status = Host::runScenario(*parse.scenario, options, std::cout, std::cerr);
+  std::cout.flush();
+  // The switch is left standing on purpose: the process ends here.
+  std::_Exit(status);
 }

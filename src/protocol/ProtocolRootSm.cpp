@@ -151,36 +151,35 @@ Quill::Ptr<Rib::Ip::ViaConfig> RootSm::initAllVrfViaConfig(std::string_view ribS
   return table;
 }
 
+void RootSm::initViaConfigFamily(std::string_view ribString, Rib::Transport transport, ViaConfigSetter allVrf,
+                                 ViaConfigSetter defaultVrf, ViaConfigSmSetter sm, char const* smFunction) {
+  auto table = initAllVrfViaConfig(ribString, transport);
+  (this->*allVrf)(table);
+  (this->*defaultVrf)(table);
+  DUALOG(8, "{}", smFunction);
+  if (table) (this->*sm)(Rib::Ip::ViaConfigSm::TableSmIs(table));
+}
+
 void RootSm::initIpv4AllVrfViaConfig() {
-  auto table = initAllVrfViaConfig("rib", Rib::Transport::transportIpv4());
-  ipv4AllVrfViaConfigIs(table);
-  ipv4DefaultVrfViaConfigIs(table);
-  DUALOG(8, "doInitIpv4AllVrfViaConfigSm");
-  if (table) ipv4AllVrfViaConfigSmIs(Rib::Ip::ViaConfigSm::TableSmIs(table));
+  initViaConfigFamily("rib", Rib::Transport::transportIpv4(), &RootSm::ipv4AllVrfViaConfigIs,
+                      &RootSm::ipv4DefaultVrfViaConfigIs, &RootSm::ipv4AllVrfViaConfigSmIs, "doInitIpv4AllVrfViaConfigSm");
 }
 
 void RootSm::initIpv6AllVrfViaConfig() {
-  auto table = initAllVrfViaConfig("rib", Rib::Transport::transportIpv6());
-  ipv6AllVrfViaConfigIs(table);
-  ipv6DefaultVrfViaConfigIs(table);
-  DUALOG(8, "doInitIpv6AllVrfViaConfigSm");
-  if (table) ipv6AllVrfViaConfigSmIs(Rib::Ip::ViaConfigSm::TableSmIs(table));
+  initViaConfigFamily("rib", Rib::Transport::transportIpv6(), &RootSm::ipv6AllVrfViaConfigIs,
+                      &RootSm::ipv6DefaultVrfViaConfigIs, &RootSm::ipv6AllVrfViaConfigSmIs, "doInitIpv6AllVrfViaConfigSm");
 }
 
 void RootSm::initMcIpv4AllVrfViaConfig() {
-  auto table = initAllVrfViaConfig("mrib", Rib::Transport::transportIpv4());
-  mcIpv4AllVrfViaConfigIs(table);
-  mcIpv4DefaultVrfViaConfigIs(table);
-  DUALOG(8, "doInitMcIpv4AllVrfViaConfigSm");
-  if (table) mcIpv4AllVrfViaConfigSmIs(Rib::Ip::ViaConfigSm::TableSmIs(table));
+  initViaConfigFamily("mrib", Rib::Transport::transportIpv4(), &RootSm::mcIpv4AllVrfViaConfigIs,
+                      &RootSm::mcIpv4DefaultVrfViaConfigIs, &RootSm::mcIpv4AllVrfViaConfigSmIs,
+                      "doInitMcIpv4AllVrfViaConfigSm");
 }
 
 void RootSm::initMcIpv6AllVrfViaConfig() {
-  auto table = initAllVrfViaConfig("mrib", Rib::Transport::transportIpv6());
-  mcIpv6AllVrfViaConfigIs(table);
-  mcIpv6DefaultVrfViaConfigIs(table);
-  DUALOG(8, "doInitMcIpv6AllVrfViaConfigSm");
-  if (table) mcIpv6AllVrfViaConfigSmIs(Rib::Ip::ViaConfigSm::TableSmIs(table));
+  initViaConfigFamily("mrib", Rib::Transport::transportIpv6(), &RootSm::mcIpv6AllVrfViaConfigIs,
+                      &RootSm::mcIpv6DefaultVrfViaConfigIs, &RootSm::mcIpv6AllVrfViaConfigSmIs,
+                      "doInitMcIpv6AllVrfViaConfigSm");
 }
 
 Quill::Ptr<Rib::RouteConfig> RootSm::initAllVrfRibConfig(std::string_view afString, std::string_view ribString) {

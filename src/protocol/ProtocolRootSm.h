@@ -270,6 +270,11 @@ class RootSm : public Zel::StateMachine<RootSm> {
   // The all-VRF via table of (rib, transport): mounted, registered, its machine built.
   Quill::Ptr<Rib::Ip::ViaConfig> initAllVrfViaConfig(std::string_view ribString, Rib::Transport transport);
   Quill::Ptr<Rib::RouteConfig> initAllVrfRibConfig(std::string_view afString, std::string_view ribString);
+  using ViaConfigSetter = void (RootSm::*)(Quill::Ptr<Rib::Ip::ViaConfig> const&);
+  using ViaConfigSmSetter = void (RootSm::*)(Quill::Ptr<Rib::Ip::ViaConfigSm> const&);
+  // One via table of the family: mounted, stored as the all-VRF and the default VRF table, its machine built.
+  void initViaConfigFamily(std::string_view ribString, Rib::Transport transport, ViaConfigSetter allVrf,
+                           ViaConfigSetter defaultVrf, ViaConfigSmSetter sm, char const* smFunction);
   void initIpv4AllVrfViaConfig();
   void initIpv6AllVrfViaConfig();
   void initMcIpv4AllVrfViaConfig();
@@ -289,6 +294,13 @@ class RootSm : public Zel::StateMachine<RootSm> {
   [[nodiscard]] Quill::Ptr<VrfReadyStatus> vrfReadyStatusOf(L3::VrfName const& vrf) const;
   [[nodiscard]] Quill::Ptr<VrfRibSeqTrigger> vrfRibSeqTriggerOf(L3::VrfName const& vrf) const;
   [[nodiscard]] Quill::Ptr<Vrf::VrfIdMap::NameToIdMap const> currentNameToIdMap() const;
+  // The ready rules of a family (ReadyV4, ReadyV6: its tables, sets and texts).
+  struct ReadyV4;
+  struct ReadyV6;
+  template <class Family>
+  void doSetReadyVrf(L3::VrfName const& vrf);
+  template <class Family>
+  void doSetMcReadyVrf(L3::VrfName const& vrf);
   void vrfReadyFromMetricStatus(VrfId vrfId, bool mc);
   void doUnregisterAllVrfViaConfigs();
 

@@ -12,11 +12,6 @@ namespace {
 
 bool isDefaultVrf(L3::VrfName const& vrf) { return vrf == L3::VrfName("default"); }
 
-template <class Table>
-bool present(Quill::Ptr<Table> const& p) {
-  return static_cast<bool>(p);
-}
-
 }  // namespace
 
 Quill::Ptr<Vrf::VrfIdMap::NameToIdMap const> RootSm::currentNameToIdMap() const {
@@ -63,118 +58,130 @@ void RootSm::setReadyVrf(L3::VrfName const& vrf) {
   setReadyVrfIpv6(vrf);
 }
 
-void RootSm::setReadyVrfIpv4(L3::VrfName const& vrf) {
+// What differs between the families' ready rules: the tables read, the sets written, the texts.
+struct RootSm::ReadyV4 {
+  static constexpr Rib::Transport transport() { return Rib::Transport::transportIpv4(); }
+  static auto const& looping(RootSm const& r) { return r.loopingRouteStatusByVrf4(); }
+  static auto const& mcLooping(RootSm const& r) { return r.mcLoopingRouteStatusByVrf4(); }
+  static bool intfTableHas(RootSm const& r, L3::VrfName const& vrf) {
+    return r.ipv4IntfStatus() && r.ipv4IntfStatus()->vrfIpIntfStatus(vrf);
+  }
+  static bool readyHas(RootSm const& r, L3::VrfName const& vrf) { return r.readyVrfIpv4Has(vrf); }
+  static void readyIs(RootSm& r, L3::VrfName const& vrf) { r.readyVrfIpv4Is(vrf); }
+  static void readyDel(RootSm& r, L3::VrfName const& vrf) { r.readyVrfIpv4Del(vrf); }
+  static bool nullHas(RootSm const& r, L3::VrfName const& vrf) { return r.readyVrfIpv4SetWithNullIntfStatusHas(vrf); }
+  static void nullIs(RootSm& r, L3::VrfName const& vrf) { r.readyVrfIpv4SetWithNullIntfStatusIs(vrf); }
+  static void nullDel(RootSm& r, L3::VrfName const& vrf) { r.readyVrfIpv4SetWithNullIntfStatusDel(vrf); }
+  static void mcIs(RootSm& r, L3::VrfName const& vrf) { r.mcReadyVrfIpv4Is(vrf); }
+  static void mcDel(RootSm& r, L3::VrfName const& vrf) { r.mcReadyVrfIpv4Del(vrf); }
+  static constexpr char kNoMetric[] = "No V4 ViaMetricStatus for vrf={}";
+  static constexpr char kNoEvpn[] = "No V4 Evpn ViaMetricStatus for vrf={}";
+  static constexpr char kGainedIntf[] = "readyVrfIPv4 (without intfId): del vrf={}";
+  static constexpr char kNoIntf[] = "No V4 IpIntfStatus for vrf={}";
+  static constexpr char kLostIntf[] = "readyVrfIPv4Del (with intfId): del vrf={}";
+  static constexpr char kNoLooping[] = "No V4 LoopingRouteStatus for vrf={}";
+  static constexpr char kNullAdd[] = "readyVrfIpV4SetWithNullIntfStatus: add vrf={}";
+  static constexpr char kAdd[] = "readyVrfIpv4: add vrf={}";
+  static constexpr char kDel[] = "readyVrfIpv4: del vrf={}";
+  static constexpr char kNoMcMetric[] = "No V4 McViaMetricStatus for vrf={}";
+  static constexpr char kNoMcIntf[] = "No V4 McIpIntfStatus for vrf={}";
+  static constexpr char kNoMcLooping[] = "No V4 McLoopingRouteStatus for vrf={}";
+  static constexpr char kMcAdd[] = "mcReadyVrfIpv4: add vrf={}";
+  static constexpr char kMcDel[] = "mcReadyVrfIpv4: del vrf={}";
+};
+
+struct RootSm::ReadyV6 {
+  static constexpr Rib::Transport transport() { return Rib::Transport::transportIpv6(); }
+  static auto const& looping(RootSm const& r) { return r.loopingRouteStatusByVrf6(); }
+  static auto const& mcLooping(RootSm const& r) { return r.mcLoopingRouteStatusByVrf6(); }
+  static bool intfTableHas(RootSm const& r, L3::VrfName const& vrf) {
+    return r.ipv6IntfStatus() && r.ipv6IntfStatus()->vrfIp6IntfStatus(vrf);
+  }
+  static bool readyHas(RootSm const& r, L3::VrfName const& vrf) { return r.readyVrfIpv6Has(vrf); }
+  static void readyIs(RootSm& r, L3::VrfName const& vrf) { r.readyVrfIpv6Is(vrf); }
+  static void readyDel(RootSm& r, L3::VrfName const& vrf) { r.readyVrfIpv6Del(vrf); }
+  static bool nullHas(RootSm const& r, L3::VrfName const& vrf) { return r.readyVrfIpv6SetWithNullIntfStatusHas(vrf); }
+  static void nullIs(RootSm& r, L3::VrfName const& vrf) { r.readyVrfIpv6SetWithNullIntfStatusIs(vrf); }
+  static void nullDel(RootSm& r, L3::VrfName const& vrf) { r.readyVrfIpv6SetWithNullIntfStatusDel(vrf); }
+  static void mcIs(RootSm& r, L3::VrfName const& vrf) { r.mcReadyVrfIpv6Is(vrf); }
+  static void mcDel(RootSm& r, L3::VrfName const& vrf) { r.mcReadyVrfIpv6Del(vrf); }
+  static constexpr char kNoMetric[] = "No V6 ViaMetricStatus, vrf={}";
+  static constexpr char kNoEvpn[] = "No V6 Evpn ViaMetricStatus, vrf={}";
+  static constexpr char kGainedIntf[] = "readyVrfIPv6 (without intfId): del vrf={}";
+  static constexpr char kNoIntf[] = "No v6IntfStatus, vrf={}";
+  static constexpr char kLostIntf[] = "readyVrfIPv6Del (with intfId): del vrf={}";
+  static constexpr char kNoLooping[] = "No V6 LoopingRouteStatus for vrf={}";
+  static constexpr char kNullAdd[] = "readyVrfIpV6SetWithNullIntfStatus: add vrf={}";
+  static constexpr char kAdd[] = "readyVrfIpv6: add vrf={}";
+  static constexpr char kDel[] = "readyVrfIpv6: del vrf={}";
+  static constexpr char kNoMcMetric[] = "No V6 McViaMetricStatus for vrf={}";
+  static constexpr char kNoMcIntf[] = "No V6 McIpIntfStatus for vrf={}";
+  static constexpr char kNoMcLooping[] = "No V6 McLoopingRouteStatus for vrf={}";
+  static constexpr char kMcAdd[] = "mcReadyVrfIpv6: add vrf={}";
+  static constexpr char kMcDel[] = "mcReadyVrfIpv6: del vrf={}";
+};
+
+void RootSm::setReadyVrfIpv4(L3::VrfName const& vrf) { doSetReadyVrf<ReadyV4>(vrf); }
+void RootSm::setReadyVrfIpv6(L3::VrfName const& vrf) { doSetReadyVrf<ReadyV6>(vrf); }
+
+template <class F>
+void RootSm::doSetReadyVrf(L3::VrfName const& vrf) {
   DUALOG(0, "vrf={}", vrf);
   if (!initialized()) return;
   auto const names = currentNameToIdMap();
   if (!names) {
     DUALOG(0, "no nameToIdMap vrf={}", vrf);
-    readyVrfIpv4Del(vrf);
-    readyVrfIpv4SetWithNullIntfStatusDel(vrf);
+    F::readyDel(*this, vrf);
+    F::nullDel(*this, vrf);
     return;
   }
   VrfId const vrfId = names->vrfIdOf(vrf);
   if (vrfId.isNone()) {
     // The null-interface set is left alone: the VRF's interface state has not changed.
     DUALOG(0, "no vrfId vrf={}", vrf);
-    readyVrfIpv4Del(vrf);
+    F::readyDel(*this, vrf);
     return;
   }
   DUALOG(0, "vrf={} vrfId={}", vrf, vrfId.value());
   // Every input is read before any set changes: a change re-enters these functions.
-  auto const a = viaMetricStatus(Rib::Transport::transportIpv4(), vrfId, "rib");
-  auto const l = loopingRouteStatusByVrf4() ? loopingRouteStatusByVrf4()->vrfStatus(vrf) : nullptr;
-  auto const i = ipv4IntfStatus() ? ipv4IntfStatus()->vrfIpIntfStatus(vrf) : nullptr;
+  auto const a = viaMetricStatus(F::transport(), vrfId, "rib");
+  auto const& loopingTable = F::looping(*this);
+  auto const l = loopingTable ? loopingTable->vrfStatus(vrf) : nullptr;
+  bool const i = F::intfTableHas(*this, vrf);
   auto const e = viaMetricStatus(Rib::Transport::transportEvpn(), VrfId::defaultVrf(), "rib");
   auto const d4 = viaMetricStatus(Rib::Transport::transportIpv4(), VrfId::defaultVrf(), "rib");
   auto const d6 = viaMetricStatus(Rib::Transport::transportIpv6(), VrfId::defaultVrf(), "rib");
-  if (!a) DUALOG(0, "No V4 ViaMetricStatus for vrf={}", vrf);
-  if (!e) DUALOG(0, "No V4 Evpn ViaMetricStatus for vrf={}", vrf);
-  if (present(i)) {
-    if (readyVrfIpv4SetWithNullIntfStatusHas(vrf)) {
+  if (!a) DUALOG(0, F::kNoMetric, vrf);
+  if (!e) DUALOG(0, F::kNoEvpn, vrf);
+  if (i) {
+    if (F::nullHas(*this, vrf)) {
       // Ready without interfaces and now with them: out of the set, so that the VRF is seen to
       // become ready anew below.
-      DUALOG(0, "readyVrfIPv4 (without intfId): del vrf={}", vrf);
-      readyVrfIpv4Del(vrf);
-      readyVrfIpv4SetWithNullIntfStatusDel(vrf);
+      DUALOG(0, F::kGainedIntf, vrf);
+      F::readyDel(*this, vrf);
+      F::nullDel(*this, vrf);
     }
   } else {
-    DUALOG(0, "No V4 IpIntfStatus for vrf={}", vrf);
-    if (readyVrfIpv4Has(vrf) && !readyVrfIpv4SetWithNullIntfStatusHas(vrf)) {
-      DUALOG(0, "readyVrfIPv4Del (with intfId): del vrf={}", vrf);
-      readyVrfIpv4Del(vrf);
+    DUALOG(0, F::kNoIntf, vrf);
+    if (F::readyHas(*this, vrf) && !F::nullHas(*this, vrf)) {
+      DUALOG(0, F::kLostIntf, vrf);
+      F::readyDel(*this, vrf);
     }
   }
-  if (!l) DUALOG(0, "No V4 LoopingRouteStatus for vrf={}", vrf);
+  if (!l) DUALOG(0, F::kNoLooping, vrf);
   if (!d4) DUALOG(0, "No V4 DefaultVrf viaMetricStatic for vrf={}", vrf);
   if (!d6) DUALOG(0, "No V6 DefaultVrf viaMetricStatic for vrf={}", vrf);
   if (a && e && l && d4 && d6) {
-    if (!readyVrfIpv4Has(vrf) && !present(i)) {
-      DUALOG(0, "readyVrfIpV4SetWithNullIntfStatus: add vrf={}", vrf);
-      readyVrfIpv4SetWithNullIntfStatusIs(vrf);
+    if (!F::readyHas(*this, vrf) && !i) {
+      DUALOG(0, F::kNullAdd, vrf);
+      F::nullIs(*this, vrf);
     }
-    DUALOG(0, "readyVrfIpv4: add vrf={}", vrf);
-    readyVrfIpv4Is(vrf);
+    DUALOG(0, F::kAdd, vrf);
+    F::readyIs(*this, vrf);
   } else {
-    DUALOG(0, "readyVrfIpv4: del vrf={}", vrf);
-    readyVrfIpv4Del(vrf);
-    readyVrfIpv4SetWithNullIntfStatusDel(vrf);
-  }
-  maybeSetRoutesReady(vrf);
-}
-
-void RootSm::setReadyVrfIpv6(L3::VrfName const& vrf) {
-  DUALOG(0, "vrf={}", vrf);
-  if (!initialized()) return;
-  auto const names = currentNameToIdMap();
-  if (!names) {
-    DUALOG(0, "no nameToIdMap vrf={}", vrf);
-    readyVrfIpv6Del(vrf);
-    readyVrfIpv6SetWithNullIntfStatusDel(vrf);
-    return;
-  }
-  VrfId const vrfId = names->vrfIdOf(vrf);
-  if (vrfId.isNone()) {
-    DUALOG(0, "no vrfId vrf={}", vrf);
-    readyVrfIpv6Del(vrf);
-    return;
-  }
-  DUALOG(0, "vrf={} vrfId={}", vrf, vrfId.value());
-  auto const a = viaMetricStatus(Rib::Transport::transportIpv6(), vrfId, "rib");
-  auto const l = loopingRouteStatusByVrf6() ? loopingRouteStatusByVrf6()->vrfStatus(vrf) : nullptr;
-  auto const i = ipv6IntfStatus() ? ipv6IntfStatus()->vrfIp6IntfStatus(vrf) : nullptr;
-  auto const e = viaMetricStatus(Rib::Transport::transportEvpn(), VrfId::defaultVrf(), "rib");
-  auto const d4 = viaMetricStatus(Rib::Transport::transportIpv4(), VrfId::defaultVrf(), "rib");
-  auto const d6 = viaMetricStatus(Rib::Transport::transportIpv6(), VrfId::defaultVrf(), "rib");
-  if (!a) DUALOG(0, "No V6 ViaMetricStatus, vrf={}", vrf);
-  if (!e) DUALOG(0, "No V6 Evpn ViaMetricStatus, vrf={}", vrf);
-  if (present(i)) {
-    if (readyVrfIpv6SetWithNullIntfStatusHas(vrf)) {
-      DUALOG(0, "readyVrfIPv6 (without intfId): del vrf={}", vrf);
-      readyVrfIpv6Del(vrf);
-      readyVrfIpv6SetWithNullIntfStatusDel(vrf);
-    }
-  } else {
-    DUALOG(0, "No v6IntfStatus, vrf={}", vrf);
-    if (readyVrfIpv6Has(vrf) && !readyVrfIpv6SetWithNullIntfStatusHas(vrf)) {
-      DUALOG(0, "readyVrfIPv6Del (with intfId): del vrf={}", vrf);
-      readyVrfIpv6Del(vrf);
-    }
-  }
-  if (!l) DUALOG(0, "No V6 LoopingRouteStatus for vrf={}", vrf);
-  if (!d4) DUALOG(0, "No V4 DefaultVrf viaMetricStatic for vrf={}", vrf);
-  if (!d6) DUALOG(0, "No V6 DefaultVrf viaMetricStatic for vrf={}", vrf);
-  if (a && e && l && d4 && d6) {
-    if (!readyVrfIpv6Has(vrf) && !present(i)) {
-      DUALOG(0, "readyVrfIpV6SetWithNullIntfStatus: add vrf={}", vrf);
-      readyVrfIpv6SetWithNullIntfStatusIs(vrf);
-    }
-    DUALOG(0, "readyVrfIpv6: add vrf={}", vrf);
-    readyVrfIpv6Is(vrf);
-  } else {
-    DUALOG(0, "readyVrfIpv6: del vrf={}", vrf);
-    readyVrfIpv6Del(vrf);
-    readyVrfIpv6SetWithNullIntfStatusDel(vrf);
+    DUALOG(0, F::kDel, vrf);
+    F::readyDel(*this, vrf);
+    F::nullDel(*this, vrf);
   }
   maybeSetRoutesReady(vrf);
 }
@@ -188,65 +195,39 @@ void RootSm::setMcReadyVrf(L3::VrfName const& vrf) {
   setMcReadyVrfIpv6(vrf);
 }
 
-void RootSm::setMcReadyVrfIpv4(L3::VrfName const& vrf) {
-  DUALOG(0, "vrf={}", vrf);
-  if (!initialized()) return;
-  auto const names = currentNameToIdMap();
-  if (!names) {
-    DUALOG(0, "No NameToIdMap vrf={}", vrf);
-    mcReadyVrfIpv4Del(vrf);
-    return;
-  }
-  VrfId const vrfId = names->vrfIdOf(vrf);
-  if (vrfId.isNone()) {
-    DUALOG(0, "No vrfId vrf={}", vrf);
-    mcReadyVrfIpv4Del(vrf);
-    return;
-  }
-  DUALOG(0, "vrf={} vrfId={}", vrf, vrfId.value());
-  auto const m = viaMetricStatus(Rib::Transport::transportIpv4(), vrfId, "mrib");
-  auto const l = mcLoopingRouteStatusByVrf4() ? mcLoopingRouteStatusByVrf4()->vrfStatus(vrf) : nullptr;
-  auto const i = ipv4IntfStatus() ? ipv4IntfStatus()->vrfIpIntfStatus(vrf) : nullptr;
-  if (!m) DUALOG(0, "No V4 McViaMetricStatus for vrf={}", vrf);
-  if (!i) DUALOG(0, "No V4 McIpIntfStatus for vrf={}", vrf);
-  if (!l) DUALOG(0, "No V4 McLoopingRouteStatus for vrf={}", vrf);
-  if (m && i && l) {
-    DUALOG(0, "mcReadyVrfIpv4: add vrf={}", vrf);
-    mcReadyVrfIpv4Is(vrf);
-  } else {
-    DUALOG(0, "mcReadyVrfIpv4: del vrf={}", vrf);
-    mcReadyVrfIpv4Del(vrf);
-  }
-}
+void RootSm::setMcReadyVrfIpv4(L3::VrfName const& vrf) { doSetMcReadyVrf<ReadyV4>(vrf); }
+void RootSm::setMcReadyVrfIpv6(L3::VrfName const& vrf) { doSetMcReadyVrf<ReadyV6>(vrf); }
 
-void RootSm::setMcReadyVrfIpv6(L3::VrfName const& vrf) {
+template <class F>
+void RootSm::doSetMcReadyVrf(L3::VrfName const& vrf) {
   DUALOG(0, "vrf={}", vrf);
   if (!initialized()) return;
   auto const names = currentNameToIdMap();
   if (!names) {
     DUALOG(0, "No NameToIdMap vrf={}", vrf);
-    mcReadyVrfIpv6Del(vrf);
+    F::mcDel(*this, vrf);
     return;
   }
   VrfId const vrfId = names->vrfIdOf(vrf);
   if (vrfId.isNone()) {
     DUALOG(0, "No vrfId vrf={}", vrf);
-    mcReadyVrfIpv6Del(vrf);
+    F::mcDel(*this, vrf);
     return;
   }
   DUALOG(0, "vrf={} vrfId={}", vrf, vrfId.value());
-  auto const m = viaMetricStatus(Rib::Transport::transportIpv6(), vrfId, "mrib");
-  auto const l = mcLoopingRouteStatusByVrf6() ? mcLoopingRouteStatusByVrf6()->vrfStatus(vrf) : nullptr;
-  auto const i = ipv6IntfStatus() ? ipv6IntfStatus()->vrfIp6IntfStatus(vrf) : nullptr;
-  if (!m) DUALOG(0, "No V6 McViaMetricStatus for vrf={}", vrf);
-  if (!i) DUALOG(0, "No V6 McIpIntfStatus for vrf={}", vrf);
-  if (!l) DUALOG(0, "No V6 McLoopingRouteStatus for vrf={}", vrf);
+  auto const m = viaMetricStatus(F::transport(), vrfId, "mrib");
+  auto const& loopingTable = F::mcLooping(*this);
+  auto const l = loopingTable ? loopingTable->vrfStatus(vrf) : nullptr;
+  bool const i = F::intfTableHas(*this, vrf);
+  if (!m) DUALOG(0, F::kNoMcMetric, vrf);
+  if (!i) DUALOG(0, F::kNoMcIntf, vrf);
+  if (!l) DUALOG(0, F::kNoMcLooping, vrf);
   if (m && i && l) {
-    DUALOG(0, "mcReadyVrfIpv6: add vrf={}", vrf);
-    mcReadyVrfIpv6Is(vrf);
+    DUALOG(0, F::kMcAdd, vrf);
+    F::mcIs(*this, vrf);
   } else {
-    DUALOG(0, "mcReadyVrfIpv6: del vrf={}", vrf);
-    mcReadyVrfIpv6Del(vrf);
+    DUALOG(0, F::kMcDel, vrf);
+    F::mcDel(*this, vrf);
   }
 }
 

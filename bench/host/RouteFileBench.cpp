@@ -20,9 +20,7 @@
 #include <fmt/format.h>
 
 #include "../support/RatioReporter.h"
-// The bench targets link the library and the platform stand-ins, not the host library: the reader
-// is compiled into this program.
-#include "host/RouteFile.cpp"
+#include "host/RouteFile.h"
 
 namespace {
 

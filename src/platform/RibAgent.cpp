@@ -369,8 +369,17 @@ RibAgent::Result RibAgent::resolveNextHop(VrfId vrfId, Ondex::IpGenAddr const& n
     auto it = overrides_.find(OverrideKey(name->second, nextHop, i));
     if (it != overrides_.end()) return it->second;
   }
+  bool onSubnet = false;
   for (auto const& c : connected(vrfId, nextHop.af())) {
-    if (c.subnet.contains(nextHop) && (intf.empty() || intf == c.intfId)) return resolvedWith(0, kConnectedPreference);
+    if (!c.subnet.contains(nextHop)) continue;
+    if (intf.empty() || intf == c.intfId) return resolvedWith(0, kConnectedPreference);
+    onSubnet = true;
+  }
+  // A next hop on none of the VRF's subnets, through a usable interface of the VRF, is attached to
+  // that interface (the host route through an interface).
+  if (!intf.empty() && !onSubnet) {
+    auto const* i = interfaceAgent() ? interfaceAgent()->intf(intf) : nullptr;
+    if (i && i->vrf == name->second && i->usable()) return resolvedWith(0, kConnectedPreference);
   }
   return resolveRecursive(vrfId, nextHop, self);
 }

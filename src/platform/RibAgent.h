@@ -11,7 +11,9 @@
 //   2. a drop, to-CPU or Null0 via resolves (metric 0, preference 0);
 //   3. a via without next hop resolves when its interface is in v, routing-enabled and up;
 //   4. a next hop inside a connected subnet of a usable interface of v (and of the via's interface,
-//      when it names one) resolves as connected (metric 0, preference 0);
+//      when it names one) resolves as connected (metric 0, preference 0); a next hop on none of v's
+//      subnets through a usable interface of v that the via names is attached to that interface
+//      and resolves the same way (a host route through an interface);
 //   5. otherwise the longest prefix of v's installed routes (all route tables of the family) that
 //      covers the next hop and has a usable route gives the route's metric and preference; at one
 //      prefix the best route by preference, then metric, then table order is tried first. A route

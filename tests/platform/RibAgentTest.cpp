@@ -134,17 +134,21 @@ TEST_F(RibAgentTest, ConnectedThenRecursiveResolutionFollowsTheCoveringRoute) {
 TEST_F(RibAgentTest, InterfaceStateDecidesConnectedAndInterfaceVias) {
   ViaKey const hop = via("10.0.0.2");
   ViaKey const intfOnly = via("", "Ethernet1");
+  // A host route through an interface: its address, on no subnet, attached to the interface.
+  ViaKey const attached = via("10.9.9.9", "Ethernet1");
   ViaKey const remote = via("20.1.1.1");
   routeIs("20.0.0.0/8", {hop}, 1, 4);
   runToIdle();
   EXPECT_EQ(report(hop), "metric 0 pref 0") << "1";
   EXPECT_EQ(report(intfOnly), "metric 0 pref 0") << "1";
+  EXPECT_EQ(report(attached), "metric 0 pref 0") << "1";
   EXPECT_EQ(report(remote), "metric 4 pref 1") << "1";
 
   intfs->operUpIs(Ondex::IntfId("Ethernet1"), false);
   runToIdle();
   EXPECT_EQ(report(hop), "unresolved") << "2: interface down";
   EXPECT_EQ(report(intfOnly), "unresolved") << "2";
+  EXPECT_EQ(report(attached), "unresolved") << "2";
   EXPECT_EQ(report(remote), "unresolved") << "2: its covering route's via went with it";
 
   intfs->operUpIs(Ondex::IntfId("Ethernet1"), true);

@@ -126,8 +126,7 @@ void Switch::start() {
     for (auto const& e : file.routes.entries()) {
       auto& list = *r.config[familyOf(e.prefix)];
       Routing::RouteKey const key(e.prefix, Routing::RoutePreference(e.preference));
-      auto route = list.route(key);
-      if (!route) route = list.routeIs(key, e.type);
+      auto route = list.routeIs(key, e.type);  // the route of the key, made when there is none
       if (e.type == Routing::RouteType::forward) route->viaIs(Routing::Via(e.nexthop, e.intf), Routing::RouteViaAttr());
     }
   }

@@ -45,29 +45,9 @@ void ContainerSm::handleInitialized() {
 
   // The input records exist before the protocol container, whose status store exists before the
   // RouteConfigSm that fills it.
-  Protocol::ContainerSm::Inputs core;
-  core.containerKey = inputs_.containerKey;
+  Protocol::ContainerSm::Inputs core = inputs_;
   core.vrfId = vrfId;
-  core.ipViaConfig = inputs_.ipViaConfig;
-  core.auxIpViaConfig = inputs_.auxIpViaConfig;
-  core.evpnViaConfig = inputs_.evpnViaConfig;
-  core.viaSetConfig = inputs_.viaSetConfig;
-  core.ribConfig = inputs_.ribConfig;
-  core.loopingRouteStatus = inputs_.loopingRouteStatus;
-  core.intfStatus = inputs_.intfStatus;
-  core.nhdGraph = inputs_.nhdGraph;
-  core.ipv4DefaultVrfViaConfig = inputs_.ipv4DefaultVrfViaConfig;
-  core.ipv6DefaultVrfViaConfig = inputs_.ipv6DefaultVrfViaConfig;
-  core.routingProtocol = inputs_.routingProtocol;
-  core.vrfReadyStatus = inputs_.vrfReadyStatus;
-  core.bfdTrackedRoutesList = inputs_.bfdTrackedRoutesList;
-  core.viaStatusByVrf = inputs_.viaStatusByVrf;
-  core.viaMetricStatusByVrf = inputs_.viaMetricStatusByVrf;
   core.ribString = "rib";
-  core.routingGeneralConfig = inputs_.routingGeneralConfig;
-  core.igpResultTable = inputs_.igpResultTable;
-  core.scheduler = inputs_.scheduler;
-  core.routeStatusDir = inputs_.routeStatusDir;
   protocolContainerSmIs(Protocol::ContainerSm::ContainerSmIs(core));
 
   Static::RouteConfigSm::Inputs rc;

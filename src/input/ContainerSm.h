@@ -19,33 +19,17 @@ namespace Routing::Input {
 
 class ContainerSm : public Zel::StateMachine<ContainerSm> {
  public:
-  // The constructor's arguments, in their order (routeStatusDir last: the family's directory of
-  // status stores, which the via metric machine watches; null gives the container its own).
-  struct Inputs {
-    Protocol::ContainerKey containerKey;
-    Rib::RoutingProtocol routingProtocol = Rib::RoutingProtocol::staticConfig();
-    Quill::Ptr<Rib::Ip::ViaConfig> ipViaConfig;
-    Quill::Ptr<Rib::Ip::ViaConfig> auxIpViaConfig;
-    Quill::Ptr<Rib::Evpn::ViaConfig> evpnViaConfig;
-    Quill::Ptr<Rib::ViaSetConfig> viaSetConfig;
-    Quill::Ptr<Rib::RouteConfig> ribConfig;
-    Quill::Ptr<Rib::Ip::GlobalNextHopDependencyGraph const> nhdGraph;
-    Quill::Ptr<Rib::LoopingRouteStatus const> loopingRouteStatus;
-    Quill::Ptr<Protocol::IntfStatus> intfStatus;
+  // The constructor's arguments: those the protocol core takes (its vrfId and ribString are set
+  // here, from the VRF map and "rib"; routeStatusDir is the family's directory of status stores,
+  // which the via metric machine watches, and null gives the container its own), then the inputs
+  // of the route config machine.
+  struct Inputs : Protocol::ContainerSm::Inputs {
     Quill::Ptr<::NexthopGroup::EntryStatus const> nexthopGroupEntryStatus;
-    Quill::Ptr<Rib::Ip::ViaConfig> ipv4DefaultVrfViaConfig;
-    Quill::Ptr<Rib::Ip::ViaConfig> ipv6DefaultVrfViaConfig;
     Quill::Ptr<Protocol::GrState const> grState;
-    Quill::Ptr<Protocol::VrfReadyStatus> vrfReadyStatus;
     Quill::Ptr<Mpls::Config const> mplsConfig;
-    Quill::Ptr<BfdTrackedStaticRoutesList> bfdTrackedRoutesList;
-    Quill::Ptr<Rib::ViaStatusByVrf const> viaStatusByVrf;
-    Quill::Ptr<Rib::ViaMetricStatusByVrf const> viaMetricStatusByVrf;
     Quill::Ptr<Static::ResRibProfileContainer const> resRibProfileContainer;
-    Quill::Ptr<General::Config const> routingGeneralConfig;
     Quill::Ptr<Vrf::VrfIdMap::NameToIdMapWrapper const> vrfNameStatus;
     Quill::Ptr<Static::RouteCacheRouteHelperSm> routeCacheRouteHelperSm;
-    Halyard::TaskScheduler* scheduler = nullptr;
     Quill::Ptr<Static::AllEgressVrfIntfStatusHelperSm> allEgressVrfIntfStatusHelperSm;
     Quill::Ptr<Vxlan::VtepSipValidationStatus> vtepSipValidationStatus;
     Quill::Ptr<ConfigTag::ConfigTagStatus const> configTagStatus;
@@ -55,10 +39,8 @@ class ContainerSm : public Zel::StateMachine<ContainerSm> {
     Quill::Ptr<RouteList const> configDynamic;
     Quill::Ptr<VrfRouteListTaggedConfig const> taggedConfig;
     Quill::Ptr<VrfRouteListTaggedConfig const> taggedDynamicConfig;
-    Quill::Ptr<Bgp::IgpResultTable> igpResultTable;
     Quill::Ptr<Zel::Dir const> configDir;
     Quill::Ptr<Zel::Dir const> configTagDir;
-    Quill::Ptr<Protocol::RouteStatusDir> routeStatusDir;
   };
   [[nodiscard]] static Quill::Ptr<ContainerSm> ContainerSmIs(Inputs const& inputs) {
     return Zel::make<ContainerSm>(inputs);

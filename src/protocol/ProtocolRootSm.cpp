@@ -291,24 +291,22 @@ Quill::Ptr<GrState> RootSm::grStateIs(bool gracefulRestart) {
 
 // ---- Per-VRF clean-up.
 
+void RootSm::doCleanupRoutes(Rib::RouteConfig* table, L3::VrfName const& vrf, VrfId vrfId) {
+  DUALOG(0, "vrf={}, vrfId={}", vrf, vrfId.value());
+  if (table) table->doDeleteRoutesForVrf(vrfId);
+}
+
 void RootSm::doCleanupContainer4(L3::VrfName const& vrf, VrfId vrfId) {
-  DUALOG(0, "vrf={}, vrfId={}", vrf, vrfId.value());
-  if (ipv4AllVrfRibConfig()) ipv4AllVrfRibConfig()->doDeleteRoutesForVrf(vrfId);
+  doCleanupRoutes(ipv4AllVrfRibConfig().get(), vrf, vrfId);
 }
-
 void RootSm::doCleanupContainer6(L3::VrfName const& vrf, VrfId vrfId) {
-  DUALOG(0, "vrf={}, vrfId={}", vrf, vrfId.value());
-  if (ipv6AllVrfRibConfig()) ipv6AllVrfRibConfig()->doDeleteRoutesForVrf(vrfId);
+  doCleanupRoutes(ipv6AllVrfRibConfig().get(), vrf, vrfId);
 }
-
 void RootSm::doCleanupMcContainer4(L3::VrfName const& vrf, VrfId vrfId) {
-  DUALOG(0, "vrf={}, vrfId={}", vrf, vrfId.value());
-  if (mcIpv4AllVrfRibConfig()) mcIpv4AllVrfRibConfig()->doDeleteRoutesForVrf(vrfId);
+  doCleanupRoutes(mcIpv4AllVrfRibConfig().get(), vrf, vrfId);
 }
-
 void RootSm::doCleanupMcContainer6(L3::VrfName const& vrf, VrfId vrfId) {
-  DUALOG(0, "vrf={}, vrfId={}", vrf, vrfId.value());
-  if (mcIpv6AllVrfRibConfig()) mcIpv6AllVrfRibConfig()->doDeleteRoutesForVrf(vrfId);
+  doCleanupRoutes(mcIpv6AllVrfRibConfig().get(), vrf, vrfId);
 }
 
 void RootSm::doDeleteViasForVrf(VrfId vrfId, Rib::Ip::ViaConfig& viaConfig) {

@@ -303,6 +303,8 @@ class RootSm : public Zel::StateMachine<RootSm> {
   void doSetMcReadyVrf(L3::VrfName const& vrf);
   void vrfReadyFromMetricStatus(VrfId vrfId, bool mc);
   void doUnregisterAllVrfViaConfigs();
+  // The per-VRF clean-up of one route table.
+  void doCleanupRoutes(Rib::RouteConfig* table, L3::VrfName const& vrf, VrfId vrfId);
 
   Cairn::EntityManager* em_;
   Cairn::MountGroup* mg_;

@@ -2,7 +2,7 @@
 # Installs the Debian packages that building and testing bowline needs, when they are missing.
 # Safe to run again: it installs nothing that is already there.
 set -euo pipefail
-packages=(g++ cmake make libfmt-dev libgtest-dev libgmock-dev libbenchmark-dev libyaml-cpp-dev libcli11-dev nlohmann-json3-dev)
+packages=(g++ cmake make ccache libfmt-dev libgtest-dev libgmock-dev libbenchmark-dev libyaml-cpp-dev libcli11-dev nlohmann-json3-dev)
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")

@@ -140,7 +140,7 @@ TEST(ScenarioParserTest, FullScenarioParsesIntoTheExpectedValues) {
   EXPECT_TRUE(rve.isEvpnVia());
   EXPECT_EQ(rve.vtepAddr(), addr("2.2.2.2"));
   EXPECT_EQ(rve.vni().value(), 10010u);
-  EXPECT_EQ(rve.routerMac().toString(), "00:1c:73:00:00:99");
+  EXPECT_EQ(rve.routerMac().toString(), "02:00:00:00:00:99");
   EXPECT_TRUE(rve.vtepSipValidation());
 
   // 5. Injected routes take their user's VRF; BFD sessions; the route file is loaded.
@@ -283,7 +283,7 @@ TEST(ScenarioParserTest, EachClassOfErrorNamesFileLineAndField) {
       {"list expected", "routes: {prefix: 10.0.0.0/8}\n", {"s.yaml:1: routes: expected a list"}},
       {"map expected", "routes: [10.0.0.0/8]\n", {"s.yaml:1: routes[0]: expected a map of keys"}},
       {"EVPN via without VNI",
-       "routes: [{prefix: 10.0.0.0/8, vias: [{vtep: 2.2.2.2, router_mac: 00:00:00:00:00:01}]}]\n",
+       "routes: [{prefix: 10.0.0.0/8, vias: [{vtep: 2.2.2.2, router_mac: 02:00:00:00:00:01}]}]\n",
        {"s.yaml:1: routes[0].vias[0]: an EVPN via (with a vtep) needs a vni and a router_mac"}},
       {"VNI of an IP via",
        "routes: [{prefix: 10.0.0.0/8, vias: [{nexthop: 1.1.1.1, vni: 5}]}]\n",

@@ -33,7 +33,7 @@ Via fullVia() {
       .vniIs(Vxlan::VniExtOrNone(5000))
       .vtepSipValidationIs(true)
       .vtepAddrIs(addr("192.0.2.1"))
-      .routerMacIs(mac("00:11:22:33:44:55"))
+      .routerMacIs(mac("02:00:5e:10:00:55"))
       .egressVrfIs("red")
       .localAddrIs(addr("10.0.0.2"));
 }
@@ -49,7 +49,7 @@ TEST(ViaTest, EveryFieldIsIdentity) {
       {"vni", [](Via& v) { v.vniIs(Vxlan::VniExtOrNone(5001)); }},
       {"vtepSipValidation", [](Via& v) { v.vtepSipValidationIs(false); }},
       {"vtepAddr", [](Via& v) { v.vtepAddrIs(addr("192.0.2.2")); }},
-      {"routerMac", [](Via& v) { v.routerMacIs(mac("00:11:22:33:44:56")); }},
+      {"routerMac", [](Via& v) { v.routerMacIs(mac("02:00:5e:10:00:56")); }},
       {"egressVrf", [](Via& v) { v.egressVrfIs("blue"); }},
       {"egressVrf own", [](Via& v) { v.egressVrfIs(L3::VrfName()); }},
       {"localAddr", [](Via& v) { v.localAddrIs(addr("10.0.0.9")); }},

@@ -17,9 +17,17 @@ constexpr Halyard::TaskPriority kTaskPriority = 3;
 constexpr std::uint32_t kConnectedPreference = 0;
 
 RibAgent::Result resolvedWith(Routing::RouteMetric metric, std::uint32_t preference) {
-  return RibAgent::Result{true, false, metric, preference};
+  RibAgent::Result r;
+  r.resolved = true;
+  r.metric = metric;
+  r.preference = preference;
+  return r;
 }
-RibAgent::Result unresolved(bool looping = false) { return RibAgent::Result{false, looping, 0, ViaMetric::kUnresolvedPreference}; }
+RibAgent::Result unresolved(bool looping = false) {
+  RibAgent::Result r;
+  r.looping = looping;
+  return r;
+}
 }  // namespace
 
 ViaMetric RibAgent::Result::viaMetric(ViaKey const& key) const {
@@ -145,6 +153,11 @@ void RibAgent::overrideResolvedIs(L3::VrfName const& vrf, Ondex::IpGenAddr const
 void RibAgent::overrideUnresolvedIs(L3::VrfName const& vrf, Ondex::IpGenAddr const& nextHop, Ondex::IntfId intf) {
   overrides_[OverrideKey(vrf, nextHop, intf)] = unresolved();
   TRACE(2, "Vrf: " << vrf << ", overrideUnresolvedIs " << nextHop << " " << intf);
+  if (vrfAgent() && vrfAgent()->vrfHas(vrf)) markDirty(vrfAgent()->vrfId(vrf));
+}
+
+void RibAgent::configurationChangedIs(L3::VrfName const& vrf) {
+  TRACE(8, "Vrf: " << vrf << ", configurationChangedIs");
   if (vrfAgent() && vrfAgent()->vrfHas(vrf)) markDirty(vrfAgent()->vrfId(vrf));
 }
 
@@ -302,15 +315,9 @@ void RibAgent::doResolveVias(VrfId vrfId, std::vector<ViaKey>& keys, Table const
   for (auto it = leaf->viaMetricIteratorConst(); it; it.advance()) {
     if (!table.viaHas(it.key())) stale.push_back(it.key());
   }
+  // In key order: the removals reach the library in an order hash order does not decide.
+  std::sort(stale.begin(), stale.end());
   for (ViaKey const& key : stale) leaf->viaMetricDel(key);
-}
-
-void RibAgent::doWrite(ViaKey const& key, Result const& r) {
-  auto leaf = viaMetricStatusByVrf_->leafIs(key.vrfId(), key.transport(), key.routingProtocol());
-  ViaMetric const m = r.viaMetric(key);
-  if (leaf->viaMetricHas(key) && leaf->viaMetric(key) == m) return;
-  TRACE(6, "doWrite " << m);
-  leaf->viaMetricIs(key, m);
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -326,7 +333,7 @@ RibAgent::Result RibAgent::resolveViaKey(ViaKey const& key) {
   inProgress_.insert(key);
   if (key.transport() == Transport::transportEvpn()) {
     auto const* via = evpnVia(key);
-    r = via ? resolveNextHop(VrfId::defaultVrf(), via->vtepAddr(), Ondex::IntfId(), key) : unresolved();
+    r = via ? resolveNextHop(VrfId::defaultVrf(), via->vtepAddr(), Ondex::IntfId(), false, key) : unresolved();
   } else {
     auto const* via = ipVia(key);
     r = via ? resolveIpVia(key, *via) : unresolved();
@@ -349,7 +356,8 @@ RibAgent::Result RibAgent::resolveIpVia(ViaKey const& key, Routing::Rib::Via con
     if (intf && intf->vrf == name && intf->usable()) return resolvedWith(0, kConnectedPreference);
     return unresolved();
   }
-  return resolveNextHop(key.vrfId(), via.nextHop(), via.intfId(), key);
+  bool const fromHostPrefix = via.flags() & Routing::Rib::ViaContent::kFlagNextHopFromHostPrefix;
+  return resolveNextHop(key.vrfId(), via.nextHop(), via.intfId(), fromHostPrefix, key);
 }
 
 std::vector<InterfaceAgent::Connected> const& RibAgent::connected(VrfId vrfId, Ondex::AddressFamily af) {
@@ -362,26 +370,30 @@ std::vector<InterfaceAgent::Connected> const& RibAgent::connected(VrfId vrfId, O
 }
 
 RibAgent::Result RibAgent::resolveNextHop(VrfId vrfId, Ondex::IpGenAddr const& nextHop, Ondex::IntfId intf,
-                                          ViaKey const& self) {
+                                          bool fromHostPrefix, ViaKey const& self) {
   auto const name = knownVrfs_.find(vrfId);
   if (name == knownVrfs_.end()) return unresolved();
   for (Ondex::IntfId const i : {intf, Ondex::IntfId()}) {
     auto it = overrides_.find(OverrideKey(name->second, nextHop, i));
     if (it != overrides_.end()) return it->second;
   }
-  bool onSubnet = false;
+  if (!intf.empty()) return resolveOnIntf(name->second, nextHop, intf, fromHostPrefix);
   for (auto const& c : connected(vrfId, nextHop.af())) {
-    if (!c.subnet.contains(nextHop)) continue;
-    if (intf.empty() || intf == c.intfId) return resolvedWith(0, kConnectedPreference);
-    onSubnet = true;
-  }
-  // A next hop on none of the VRF's subnets, through a usable interface of the VRF, is attached to
-  // that interface (the host route through an interface).
-  if (!intf.empty() && !onSubnet) {
-    auto const* i = interfaceAgent() ? interfaceAgent()->intf(intf) : nullptr;
-    if (i && i->vrf == name->second && i->usable()) return resolvedWith(0, kConnectedPreference);
+    if (c.subnet.contains(nextHop)) return resolvedWith(0, kConnectedPreference);
   }
   return resolveRecursive(vrfId, nextHop, self);
+}
+
+RibAgent::Result RibAgent::resolveOnIntf(L3::VrfName const& vrf, Ondex::IpGenAddr const& nextHop, Ondex::IntfId intf,
+                                         bool fromHostPrefix) const {
+  auto const* i = interfaceAgent() ? interfaceAgent()->intf(intf) : nullptr;
+  if (!i || i->vrf != vrf || !i->usable()) return unresolved();
+  if (fromHostPrefix) return resolvedWith(0, kConnectedPreference);
+  for (auto const& a : i->addrs) {
+    if (a.addr.af() == nextHop.af() && a.subnet().contains(nextHop)) return resolvedWith(0, kConnectedPreference);
+  }
+  TRACE(9, "Vrf: " << vrf << ", resolveOnIntf " << nextHop << " is on no subnet of " << intf);
+  return unresolved();
 }
 
 RibAgent::Result RibAgent::resolveRecursive(VrfId vrfId, Ondex::IpGenAddr const& nextHop, ViaKey const& self) {
@@ -400,6 +412,10 @@ RibAgent::Result RibAgent::resolveRecursive(VrfId vrfId, Ondex::IpGenAddr const&
       if (auto const* body = t.routeConfig->routeFind(key)) candidates.push_back({body, i});
     }
     if (candidates.empty()) continue;
+    if (in_.configuredWith && in_.configuredWith(vrfId, nextHop, key.prefix())) {
+      TRACE(9, "resolveRecursive " << self << " skips " << key << ", a prefix configured with it");
+      continue;
+    }
     std::stable_sort(candidates.begin(), candidates.end(), [](Candidate const& a, Candidate const& b) {
       auto const pa = a.body->metricPref, pb = b.body->metricPref;
       return pa.preference() != pb.preference() ? pa.preference() < pb.preference() : pa.metric() < pb.metric();
@@ -407,7 +423,9 @@ RibAgent::Result RibAgent::resolveRecursive(VrfId vrfId, Ondex::IpGenAddr const&
     for (Candidate const& c : candidates) {
       if (!routeUsable(vrfId, in_.routeTables[c.table], *c.body, self, looping)) continue;
       TRACE(9, "resolveRecursive " << self << " through " << key);
-      return resolvedWith(c.body->metricPref.metric(), c.body->metricPref.preference());
+      Result r = resolvedWith(c.body->metricPref.metric(), c.body->metricPref.preference());
+      r.through = key.prefix();
+      return r;
     }
   }
   return unresolved(looping);

@@ -5,7 +5,9 @@
 
 #include <gtest/gtest.h>
 
+#include <set>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "platform/RibReadout.h"
@@ -41,6 +43,9 @@ class RibAgentTest : public RuntimeFixture {
                       {Ondex::AddressFamily::ipv6, RoutingProtocol::staticConfig(), routes, viaSets}};
     in.interfaceAgent = intfs;
     in.vrfAgent = vrfs;
+    in.configuredWith = [this](Vrf::VrfIdMap::VrfId vrf, Ondex::IpGenAddr const& hop, Ondex::IpGenPrefix const& p) {
+      return configured.count({vrf, hop, p}) > 0;
+    };
     in.scheduler = scheduler();
     rib = RibAgent::RibAgentIs(in);
     runToIdle();
@@ -90,6 +95,8 @@ class RibAgentTest : public RuntimeFixture {
   Quill::Ptr<RouteConfig> routes;
   Quill::Ptr<ViaSetConfig> viaSets;
   Quill::Ptr<RibAgent> rib;
+  // What the agent's configuredWith answers: (VRF, next hop, prefix) configured together.
+  std::set<std::tuple<Vrf::VrfIdMap::VrfId, Ondex::IpGenAddr, Ondex::IpGenPrefix>> configured;
   std::vector<Quill::Ptr<DedupViaKey>> handles;
   std::vector<Quill::Ptr<DedupViaSetKey>> setHandles;
 };
@@ -135,7 +142,7 @@ TEST_F(RibAgentTest, InterfaceStateDecidesConnectedAndInterfaceVias) {
   ViaKey const hop = via("10.0.0.2");
   ViaKey const intfOnly = via("", "Ethernet1");
   // A host route through an interface: its address, on no subnet, attached to the interface.
-  ViaKey const attached = via("10.9.9.9", "Ethernet1");
+  ViaKey const attached = via("10.9.9.9", "Ethernet1", 0, ViaContent::kFlagNextHopFromHostPrefix);
   ViaKey const remote = via("20.1.1.1");
   routeIs("20.0.0.0/8", {hop}, 1, 4);
   runToIdle();
@@ -188,6 +195,130 @@ TEST_F(RibAgentTest, ViaNeverResolvesThroughARouteItServesNorThroughALoop) {
   // Which of the two takes the default route first is the order of resolution; both resolve.
   EXPECT_EQ(report(a).rfind("metric", 0), 0u) << "2: " << report(a);
   EXPECT_EQ(report(b).rfind("metric", 0), 0u) << "2: " << report(b);
+}
+
+// The floating default route: the primary's next hop is covered only by the default route, which
+// is configured with that next hop, so it stays unresolved and the floating route keeps the prefix.
+TEST_F(RibAgentTest, NextHopNeverResolvesThroughItsOwnRoutesPrefix) {
+  struct Family {
+    char const* any;
+    char const* wide;
+    char const* remote;
+    char const* other;
+    char const* onLink;
+  };
+  for (Family const f : {Family{"0.0.0.0/0", "10.0.0.0/8", "10.9.9.9", "10.9.9.8", "10.0.0.2"},
+                         Family{"::/0", "2001:db8::/32", "2001:db8:9::9", "2001:db8:9::8", "2001:db8::2"}}) {
+    SCOPED_TRACE(f.any);
+    ViaKey const primary = via(f.remote);
+    ViaKey const other = via(f.other);
+    ViaKey const floating = via(f.onLink);
+    configured.insert({0, ip(f.remote), prefix(f.any)});
+    configured.insert({0, ip(f.onLink), prefix(f.any)});
+    routeIs(f.any, {floating}, 200);
+    runToIdle();
+    EXPECT_EQ(report(floating), "metric 0 pref 0") << "1";
+    EXPECT_EQ(report(primary), "unresolved") << "1: only its own route's prefix covers it";
+    EXPECT_EQ(report(other), "metric 0 pref 200") << "1: the rule holds per next hop";
+
+    configured.erase({0, ip(f.remote), prefix(f.any)});
+    rib->configurationChangedIs("default");
+    runToIdle();
+    EXPECT_EQ(report(primary), "metric 0 pref 200") << "2: the prefix is no longer configured with it";
+    configured.insert({0, ip(f.remote), prefix(f.any)});
+    rib->configurationChangedIs("default");
+    runToIdle();
+    EXPECT_EQ(report(primary), "unresolved") << "3: configured again";
+
+    // A more specific covering route resolves it, until that prefix is configured with it too.
+    routeIs(f.wide, {floating}, 1, 4);
+    runToIdle();
+    EXPECT_EQ(report(primary), "metric 4 pref 1") << "4";
+    configured.insert({0, ip(f.remote), prefix(f.wide)});
+    rib->configurationChangedIs("default");
+    runToIdle();
+    EXPECT_EQ(report(primary), "unresolved") << "5: its own prefix again";
+    EXPECT_EQ(report(other), "metric 4 pref 1") << "5";
+  }
+}
+
+TEST_F(RibAgentTest, NextHopThroughANamedInterfaceMustBeOnItsSubnets) {
+  Ondex::IntfId const e3("Ethernet3");
+  intfs->intfIs({e3, "default", {{ip("10.0.3.1"), 24}, {ip("2001:db8:3::1"), 64}}});
+  // 10.0.3.7 is on Ethernet3's subnet, not on Ethernet1's.
+  ViaKey const pinned = via("10.0.3.7", "Ethernet1");
+  ViaKey const pinned6 = via("2001:db8:3::7", "Ethernet1");
+  ViaKey const onIt = via("10.0.3.7", "Ethernet3");
+  ViaKey const onIt6 = via("2001:db8::7", "Ethernet1");
+  ViaKey const free = via("10.0.3.7");
+  ViaKey const host = via("10.9.9.9", "Ethernet3", 0, ViaContent::kFlagNextHopFromHostPrefix);
+  ViaKey const unknownIntf = via("10.0.0.7", "Ethernet9");
+  routeIs("10.0.0.0/8", {via("10.0.0.2")}, 1, 6);
+  routeIs("2001:db8::/32", {via("2001:db8::2")}, 1, 6);
+  runToIdle();
+  EXPECT_EQ(report(pinned), "unresolved") << "1: on none of its interface's subnets, and no recursion";
+  EXPECT_EQ(report(pinned6), "unresolved") << "1";
+  EXPECT_EQ(report(onIt), "metric 0 pref 0") << "1";
+  EXPECT_EQ(report(onIt6), "metric 0 pref 0") << "1";
+  EXPECT_EQ(report(free), "metric 0 pref 0") << "1: connected through Ethernet3";
+  EXPECT_EQ(report(host), "metric 0 pref 0") << "1: a host prefix's next hop is attached to its interface";
+  EXPECT_EQ(report(unknownIntf), "unresolved") << "1: no such interface";
+
+  intfs->operUpIs(e3, false);
+  runToIdle();
+  EXPECT_EQ(report(pinned), "unresolved") << "2: another interface going down changes nothing";
+  EXPECT_EQ(report(pinned6), "unresolved") << "2";
+  EXPECT_EQ(report(onIt), "unresolved") << "2: its interface is down, and no recursion";
+  EXPECT_EQ(report(free), "metric 6 pref 1") << "2: no interface named: through the /8";
+  EXPECT_EQ(report(host), "unresolved") << "2";
+
+  intfs->operUpIs(e3, true);
+  vrfs->vrfIs("red", 5);
+  ViaKey const otherVrf = via("10.0.0.7", "Ethernet1", 5);
+  runToIdle();
+  EXPECT_EQ(report(onIt), "metric 0 pref 0") << "3: back up";
+  EXPECT_EQ(report(otherVrf), "unresolved") << "3: Ethernet1 is in the default VRF, not red";
+}
+
+TEST_F(RibAgentTest, ViaThatKeepsFlippingIsFrozenUntilTheNextEpoch) {
+  Ondex::IntfId const e1("Ethernet1");
+  ViaKey const remote = via("20.1.1.1");
+  ViaKey const hop = via("10.0.0.2");
+  routeIs("20.0.0.0/8", {hop}, 1, 3);
+  runToIdle();
+  ASSERT_EQ(report(remote), "metric 3 pref 1") << "0";
+  // Each flap flips both reports twice.
+  for (std::uint32_t i = 0; i < RibAgent::kFlipLimit / 2; ++i) {
+    intfs->operUpIs(e1, false);
+    runToIdle();
+    intfs->operUpIs(e1, true);
+    runToIdle();
+  }
+  EXPECT_FALSE(rib->oscillation()) << "1: at the limit, not past it";
+  EXPECT_EQ(report(remote), "metric 3 pref 1") << "1";
+
+  intfs->operUpIs(e1, false);
+  runToIdle();
+  ASSERT_TRUE(rib->oscillation()) << "2: one flip past the limit";
+  EXPECT_EQ(report(hop), "metric 0 pref 0") << "2: frozen as it stood";
+  EXPECT_EQ(report(remote), "metric 3 pref 1") << "2";
+  std::set<std::string> texts;
+  for (auto const& o : rib->oscillations()) texts.insert(o.text());
+  EXPECT_EQ(texts, (std::set<std::string>{
+                       "route 20.0.0.0/8 in vrf default does not settle: via 20.1.1.1 flips between resolved and "
+                       "unresolved",
+                       "via 10.0.0.2 in vrf default does not settle: it flips between resolved and unresolved"}))
+      << "2";
+
+  rib->epochIs();
+  EXPECT_FALSE(rib->oscillation()) << "3: a new epoch";
+  runToIdle();
+  EXPECT_EQ(report(hop), "unresolved") << "3: released and resolved again";
+  EXPECT_EQ(report(remote), "unresolved") << "3";
+  intfs->operUpIs(e1, true);
+  runToIdle();
+  EXPECT_EQ(report(remote), "metric 3 pref 1") << "4: counted from zero again";
+  EXPECT_FALSE(rib->oscillation()) << "4";
 }
 
 TEST_F(RibAgentTest, OverridesStandUntilRemoved) {

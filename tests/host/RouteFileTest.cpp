@@ -4,10 +4,16 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <vector>
+
+#include <fmt/format.h>
 
 namespace {
 
@@ -19,6 +25,12 @@ using Routing::RouteType;
 
 IpGenPrefix pfx(char const* text) { return *IpGenPrefix::fromString(text); }
 IpGenAddr addr(char const* text) { return *IpGenAddr::fromString(text); }
+
+std::vector<std::string> errorTexts(RouteFile const& rf) {
+  std::vector<std::string> out;
+  for (auto const& e : rf.errors()) out.push_back(e.text());
+  return out;
+}
 
 std::filesystem::path scenarioDir() { return std::filesystem::path(__FILE__).parent_path() / "scenarios"; }
 
@@ -129,7 +141,88 @@ TEST(RouteFileTest, LoadsFromAFileAndNamesAMissingOne) {
   EXPECT_EQ(missing.errors()[0].text(), "routes.txt: cannot read: No such file or directory");
   RouteFile const dir = RouteFile::load(scenarioDir().string(), "scenarios");
   ASSERT_EQ(dir.errors().size(), 1u);
-  EXPECT_EQ(dir.errors()[0].text(), "scenarios: cannot read: not a regular file");
+  EXPECT_EQ(dir.errors()[0].text(), "scenarios: cannot read: is a directory, not a regular file");
+}
+
+TEST(RouteFileTest, OnlyARegularFileOfBoundedSizeIsOpened) {
+  // A FIFO would block the open and a device never ends: both are refused before they are opened.
+  auto const fifo = std::filesystem::temp_directory_path() / fmt::format("bowline-routefile-{}.fifo", ::getpid());
+  ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
+  RouteFile const fromFifo = RouteFile::load(fifo.string(), "f");
+  std::filesystem::remove(fifo);
+  ASSERT_EQ(fromFifo.errors().size(), 1u);
+  EXPECT_EQ(fromFifo.errors()[0].text(), "f: cannot read: is a FIFO, not a regular file");
+  RouteFile const device = RouteFile::load("/dev/zero", "z");
+  ASSERT_EQ(device.errors().size(), 1u);
+  EXPECT_EQ(device.errors()[0].text(), "z: cannot read: is a device, not a regular file");
+  RouteFile const large = RouteFile::load((scenarioDir() / "routes.txt").string(), "r", 64);
+  ASSERT_EQ(large.errors().size(), 1u);
+  EXPECT_EQ(large.errors()[0].text().find("r: cannot read: is "), 0u);
+  EXPECT_NE(large.errors()[0].text().find(" bytes; at most 64 are read"), std::string::npos);
+}
+
+TEST(RouteFileTest, LinesOfOneRouteAreAllDropOrAllNextHops) {
+  RouteFile const rf = RouteFile::parse(
+      "198.51.100.0/24 192.0.2.1\n"  // 1
+      "203.0.113.0/24 drop\n"        // 2
+      "198.51.100.0/24 drop\n"       // 3 mixes with line 1
+      "198.51.100.0/24 drop 7\n"     // 4 another preference: another route
+      "203.0.113.0/24 drop\n"        // 5 the same drop again is the same route
+      "203.0.113.0/24 192.0.2.2\n",  // 6 mixes with lines 2 and 5
+      "m.txt");
+  EXPECT_EQ(errorTexts(rf),
+            (std::vector<std::string>{
+                "m.txt:3: route 198.51.100.0/24 pref 1 is a drop route here and a route with next hops on line 1; "
+                "a route is one or the other",
+                "m.txt:6: route 203.0.113.0/24 pref 1 is a route with next hops here and a drop route on line 5; "
+                "a route is one or the other"}));
+  // A key's route and first line.
+  auto found = rf.find(Routing::RouteKey(pfx("203.0.113.0/24"), Routing::RoutePreference(1)));
+  ASSERT_TRUE(found.has_value());
+  EXPECT_EQ(found->type, RouteType::drop);
+  EXPECT_EQ(found->line, 2u);
+  EXPECT_EQ(rf.find(Routing::RouteKey(pfx("198.51.100.0/24"), Routing::RoutePreference(7)))->line, 4u);
+  EXPECT_FALSE(rf.find(Routing::RouteKey(pfx("198.51.100.0/24"), Routing::RoutePreference(2))).has_value());
+}
+
+TEST(RouteFileTest, NextHopsFollowTheScenarioRules) {
+  RouteFile const rf = RouteFile::parse(
+      "198.51.100.0/24 0.0.0.0\n"
+      "198.51.100.0/24 255.255.255.255\n"
+      "198.51.100.0/24 224.0.0.1\n"
+      "2001:db8::/32 ::\n"
+      "2001:db8::/32 192.0.2.1\n"       // an IPv4 next hop of an IPv6 route needs a label
+      "2001:db8::/0128 2001:db8::1\n"   // a length with a leading zero, as in the scenario file
+      "198.51.100.0/24 2001:db8::1\n",  // good: an IPv6 next hop of an IPv4 route
+      "n.txt");
+  EXPECT_EQ(errorTexts(rf),
+            (std::vector<std::string>{
+                "n.txt:1: 0.0.0.0 is the unspecified address, which no next hop can be",
+                "n.txt:2: 255.255.255.255 is the broadcast address, which no next hop can be",
+                "n.txt:3: 224.0.0.1 is a multicast address, which no next hop can be",
+                "n.txt:4: :: is the unspecified address, which no next hop can be",
+                "n.txt:5: the IPv4 next hop 192.0.2.1 of an IPv6 route needs a label, which a route file cannot "
+                "give",
+                "n.txt:6: \"2001:db8::/0128\" is not a prefix"}));
+  EXPECT_EQ(rf.size(), 1u);
+}
+
+TEST(RouteFileTest, BinaryInputIsRefusedAndQuotedEscaped) {
+  using namespace std::string_literals;
+  RouteFile const nul = RouteFile::parse("198.51.100.0/24 drop\n\n203.0.113.0/24\0 drop\n"s, "b");
+  ASSERT_EQ(nul.errors().size(), 1u);
+  EXPECT_EQ(nul.errors()[0].text(), "b:3: the file holds a NUL byte: it is not a text file");
+  EXPECT_EQ(nul.size(), 0u);
+
+  RouteFile const rf = RouteFile::parse(
+      "198.51.100.0/24 Eth\xff\n"  // not UTF-8
+      "\x1b[31m/24 drop\n"         // a terminal escape
+      "198.51.100.0/24 drop " +
+          std::string(5000, '9') + "\n",  // a huge field
+      "e");
+  EXPECT_EQ(errorTexts(rf), (std::vector<std::string>{
+                                "e:1: \"Eth\\xff\" is not an interface name", "e:2: \"\\x1b[31m/24\" is not a prefix",
+                                "e:3: \"" + std::string(60, '9') + "\"... is not a preference (1..255)"}));
 }
 
 }  // namespace

@@ -281,7 +281,7 @@ TEST(ScenarioParserTest, EachClassOfErrorNamesFileLineAndField) {
        {"s.yaml:1: bfd[0].state: \"sideways\" is not one of: up, down, init, admin-down"}},
       {"missing field", "bfd:\n  - peer: 1.1.1.1\n", {"s.yaml:2: bfd[0].state: missing"}},
       {"list expected", "routes: {prefix: 10.0.0.0/8}\n", {"s.yaml:1: routes: expected a list"}},
-      {"map expected", "routes: [10.0.0.0/8]\n", {"s.yaml:1: routes[0]: expected a map of keys"}},
+      {"map expected", "routes: [10.0.0.0/8]\n", {"s.yaml:1: routes[0]: expected a map of keys, not a single value"}},
       {"EVPN via without VNI",
        "routes: [{prefix: 10.0.0.0/8, vias: [{vtep: 2.2.2.2, router_mac: 02:00:00:00:00:01}]}]\n",
        {"s.yaml:1: routes[0].vias[0]: an EVPN via (with a vtep) needs a vni and a router_mac"}},
@@ -319,8 +319,8 @@ TEST(ScenarioParserTest, EachClassOfErrorNamesFileLineAndField) {
        {"s.yaml:5: steps[0].rib.metric: a metric goes with state resolved only",
         "s.yaml:6: steps[1].interface: changes nothing", "s.yaml:7: steps[2].settle: takes no settings"}},
       {"removal takes the key only",
-       "steps:\n  - remove_route: {prefix: 10.0.0.0/8, vias: []}\n",
-       {"s.yaml:2: steps[0].remove_route.vias: unknown key; expected one of: prefix, preference, vrf, dynamic"}},
+       "routes: [{prefix: 10.0.0.0/8, type: drop}]\nsteps:\n  - remove_route: {prefix: 10.0.0.0/8, vias: []}\n",
+       {"s.yaml:3: steps[0].remove_route.vias: unknown key; expected one of: prefix, preference, vrf, dynamic"}},
       {"injected step without a user",
        "steps:\n  - add_injected: {prefix: 10.0.0.0/8, type: drop}\n",
        {"s.yaml:2: steps[0].add_injected.user: missing"}},
@@ -356,7 +356,8 @@ TEST(ScenarioParserTest, AllErrorsAreCollectedInFileOrder) {
 
   ScenarioParse const missing = parseScenario((scenarioDir() / "no-such.yaml").string());
   ASSERT_EQ(missing.errors.size(), 1u);
-  EXPECT_EQ(missing.errorText(), (scenarioDir() / "no-such.yaml").string() + ": cannot read the file\n");
+  EXPECT_EQ(missing.errorText(),
+            (scenarioDir() / "no-such.yaml").string() + ": cannot read the file: No such file or directory\n");
 }
 
 TEST(ScenarioParserTest, StepsSeeTheVrfsOfTheStepsBefore) {
@@ -399,8 +400,9 @@ TEST(ScenarioParserTest, PrintedNamesAreTheWordsTheFileTakes) {
     EXPECT_EQ(r.scenario->global.ecmp, s) << ecmpStateName(s);
   }
   for (RouteOp op : {RouteOp::add, RouteOp::remove, RouteOp::replace}) {
-    ScenarioParse const r = parse(std::string("steps:\n  - ") + routeOpName(op) + "_route: {prefix: 10.0.0.0/8" +
-                                  (op == RouteOp::remove ? "}\n" : ", type: drop}\n"));
+    ScenarioParse const r =
+        parse(std::string("routes: [{prefix: 10.0.0.0/8, type: drop}]\nsteps:\n  - ") + routeOpName(op) +
+              "_route: {prefix: 10.0.0.0/8" + (op == RouteOp::remove ? "}\n" : ", type: drop}\n"));
     ASSERT_TRUE(r.ok()) << r.errorText();
     EXPECT_EQ(std::get<RouteStep>(r.scenario->steps[0].kind).op, op) << routeOpName(op);
   }

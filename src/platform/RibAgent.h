@@ -46,9 +46,9 @@
 // goes (or is renumbered away from an id) loses them.
 //
 // Work: reactors only note the VRF ids touched (route keys, via keys, interface VRFs, overrides,
-// VRF changes, configuration changes, frozen vias released by a new epoch) and schedule `resolveTask`; the task re-resolves every via of each noted VRF (the
-// default VRF also re-resolves the EVPN vias), one VRF per step, yielding between VRFs, and writes
-// only reports that changed. A VRF whose routes use vias of another VRF is re-resolved with it.
+// VRF changes, configuration changes, frozen vias released by a new epoch) and schedule
+// `resolveTask`; the task re-resolves every via of each noted VRF (the default VRF also re-resolves
+// the EVPN vias), one VRF per step, yielding between VRFs, and writes only reports that changed. A VRF whose routes use vias of another VRF is re-resolved with it.
 //
 // Iteration: the nested machine maps are Zel::HashMap2018 with that map's contract; they only
 // note VRF ids. Vias are resolved and stale reports dropped in key order, so the order of writes

@@ -58,7 +58,7 @@ std::optional<Node> Map::required(std::string_view key) const {
 
 ScenarioParse Reader::run(std::string_view yaml) {
   auto fail = [&](int line, std::string message) {
-    errors_.push_back(ScenarioError{file_, line, {}, std::move(message)});
+    error(ScenarioError{file_, line, {}, std::move(message)});
     return ScenarioParse{std::nullopt, std::move(errors_)};
   };
   if (std::size_t const nul = yaml.find('\0'); nul != std::string_view::npos) {
@@ -68,8 +68,10 @@ ScenarioParse Reader::run(std::string_view yaml) {
     return fail(lineAt(yaml, *bad),
                 fmt::format("the file is not UTF-8 text (byte 0x{:02x})", static_cast<unsigned char>(yaml[*bad])));
   }
-  YamlShape const shape = yamlShape(yaml, limits_.yaml);
-  if (!shape.ok()) return fail(shape.errorLine, shape.error);
+  if (yamlShapeMayMatter(yaml, limits_.yaml)) {
+    YamlShape const shape = yamlShape(yaml, limits_.yaml);
+    if (!shape.ok()) return fail(shape.errorLine, shape.error);
+  }
   Node root;
   try {
     MemoryStream in(yaml);
@@ -96,6 +98,9 @@ ScenarioParse Reader::run(std::string_view yaml) {
     if (auto n = top.get("bfd")) readBfd(*n);
     if (auto n = top.get("route_files")) readRouteFiles(*n);
     if (auto n = top.get("steps")) readSteps(*n);
+  }
+  if (errorCount_ > errors_.size()) {
+    errors_.push_back(ScenarioError{file_, 0, {}, fmt::format("{} more errors", errorCount_ - errors_.size())});
   }
   if (!errors_.empty()) return ScenarioParse{std::nullopt, std::move(errors_)};
   return ScenarioParse{std::move(sc_), {}};
@@ -228,14 +233,14 @@ void Reader::readInjected(Node const& n) {
 std::optional<BfdSession> Reader::bfdSession(Node const& n, std::string const& path) {
   Map const m(*this, n, path, {"peer", "vrf", "interface", "state"});
   if (!m.valid()) return std::nullopt;
-  std::size_t const errorsBefore = errors_.size();
+  std::size_t const errorsBefore = errorCount_;
   BfdSession s;
   s.line = lineOf(n);
   m.readRequired("peer", s.peer, &Reader::unicast);
   m.read("vrf", s.vrf, &Reader::vrf);
   m.read("interface", s.intf, &Reader::intf);
   m.readRequired("state", s.state, &Reader::bfdState);
-  if (errors_.size() != errorsBefore) return std::nullopt;
+  if (errorCount_ != errorsBefore) return std::nullopt;
   return s;
 }
 
@@ -260,7 +265,7 @@ void Reader::readRouteFiles(Node const& n) {
       if (err.line == 0) {
         error(*m.get("path"), m.path("path"), fmt::format("route file {}: {}", err.file, err.message));
       } else {
-        errors_.push_back(ScenarioError{err.file, int(err.line), {}, err.message});
+        error(ScenarioError{err.file, int(err.line), {}, err.message});
       }
     }
     if (src.routes.errorCount() > src.routes.errors().size()) {

@@ -38,6 +38,7 @@ inline constexpr std::size_t kMaxNameLength = 100;
 // Any other value: a label, a path.
 inline constexpr std::size_t kMaxFieldBytes = 4096;
 inline constexpr std::size_t kMaxLabels = 3;
+inline constexpr std::size_t kMaxErrors = 100;
 
 [[nodiscard]] inline int lineOf(Node const& n) { return n.Mark().is_null() ? 0 : n.Mark().line + 1; }
 
@@ -110,7 +111,11 @@ class Reader {
   ScenarioParse run(std::string_view yaml);
 
   void error(Node const& n, std::string field, std::string message) {
-    errors_.push_back(ScenarioError{file_, lineOf(n), std::move(field), std::move(message)});
+    error(ScenarioError{file_, lineOf(n), std::move(field), std::move(message)});
+  }
+  // Errors past kMaxErrors are counted, not kept: a file of a million bad lines says so in one.
+  void error(ScenarioError e) {
+    if (++errorCount_ <= kMaxErrors) errors_.push_back(std::move(e));
   }
 
   // --- Values (ScenarioValues.cpp): each reports what is wrong and gives nothing then.
@@ -180,7 +185,10 @@ class Reader {
   template <class Each>
   void forEach(Node const& n, std::string const& path, Each&& each) {
     if (!n.IsSequence()) {
-      error(n, path, n.IsNull() ? "missing a value" : "expected a list");
+      error(n, path,
+            n.IsNull()  ? "missing a value"
+            : n.IsMap() ? "expected a list, not a map"
+                        : "expected a list, not a single value");
       return;
     }
     std::size_t i = 0;
@@ -223,6 +231,7 @@ class Reader {
   std::filesystem::path baseDir_;
   ScenarioLimits limits_;
   std::vector<ScenarioError> errors_;
+  std::size_t errorCount_ = 0;
   Scenario sc_;
   // Declared names, for lookups in files of many routes.
   std::set<Ondex::IntfId> interfaces_;

@@ -72,11 +72,11 @@ std::optional<Step::Kind> Reader::routeStep(RouteOp op, bool injected, Node cons
 }
 
 std::optional<Step::Kind> Reader::vrfStep(std::string_view kind, Node const& args, std::string const& path) {
-  std::size_t const errorsBefore = errors_.size();
+  std::size_t const errorsBefore = errorCount_;
   if (kind == "add_vrf") {
     auto v = vrfDecl(args, path);
     if (!v) {
-      if (errors_.size() == errorsBefore) error(args, path, "the default VRF is always there");
+      if (errorCount_ == errorsBefore) error(args, path, "the default VRF is always there");
       return std::nullopt;
     }
     return VrfStep{VrfOp::add, std::move(*v)};
@@ -99,7 +99,7 @@ std::optional<Step::Kind> Reader::vrfStep(std::string_view kind, Node const& arg
 }
 
 std::optional<Step::Kind> Reader::interfaceStep(Node const& args, std::string const& path) {
-  std::size_t const errorsBefore = errors_.size();
+  std::size_t const errorsBefore = errorCount_;
   Map const m(*this, args, path, {"name", "up", "routing", "add_address", "remove_address"});
   InterfaceStep s;
   m.readRequired("name", s.id, &Reader::intf);
@@ -108,7 +108,7 @@ std::optional<Step::Kind> Reader::interfaceStep(Node const& args, std::string co
   m.read("add_address", s.addAddresses, &Reader::intfAddresses);
   m.read("remove_address", s.removeAddresses, &Reader::intfAddresses);
   if (m.valid() && args.size() < 2) error(args, path, "changes nothing");
-  if (errors_.size() != errorsBefore) return std::nullopt;
+  if (errorCount_ != errorsBefore) return std::nullopt;
   // Removals first, as the switch applies them.
   std::vector<IntfAddress>& now = addressesNow_[s.id];
   for (IntfAddress const& a : s.removeAddresses) {
@@ -128,7 +128,7 @@ std::optional<Step::Kind> Reader::interfaceStep(Node const& args, std::string co
       now.push_back(a);
     }
   }
-  if (errors_.size() != errorsBefore) return std::nullopt;
+  if (errorCount_ != errorsBefore) return std::nullopt;
   return s;
 }
 
@@ -145,8 +145,8 @@ std::optional<Step::Kind> Reader::step(std::string_view kind, Node const& args, 
 }
 
 std::optional<Step::Kind> Reader::otherStep(std::string_view kind, Node const& args, std::string const& path) {
-  std::size_t const errorsBefore = errors_.size();
-  auto ok = [&]() { return errors_.size() == errorsBefore; };
+  std::size_t const errorsBefore = errorCount_;
+  auto ok = [&]() { return errorCount_ == errorsBefore; };
   auto flag = &Reader::boolean;
   if (kind == "global") {
     Map const m(*this, args, path, {"preference", "ecmp", "mpls", "start_ready_verification"});

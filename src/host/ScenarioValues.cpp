@@ -55,7 +55,8 @@ std::optional<std::string> Reader::name(Node const& n, std::string const& path) 
 std::optional<std::string> Reader::user(Node const& n, std::string const& path) {
   auto u = name(n, path);
   if (u && *u == Routing::Input::kMartianUser) {
-    error(n, path, fmt::format("the user {} is the route-input protocol's own, for its martian routes", quoteInput(*u)));
+    error(n, path,
+          fmt::format("the user {} is the route-input protocol's own, for its martian routes", quoteInput(*u)));
     return std::nullopt;
   }
   return u;
@@ -266,7 +267,7 @@ std::optional<Via> Reader::via(Node const& n, std::string const& path, RouteForm
               {"nexthop", "interface", "metric", "weight", "label", "egress_vrf", "bfd", "local_address", "vtep", "vni",
                "router_mac", "vtep_sip_validation"});
   if (!m.valid()) return std::nullopt;
-  std::size_t const errorsBefore = errors_.size();
+  std::size_t const errorsBefore = errorCount_;
   Via v;
   v.line = lineOf(n);
   auto flag = &Reader::boolean;
@@ -296,12 +297,12 @@ std::optional<Via> Reader::via(Node const& n, std::string const& path, RouteForm
   if (!m.get("nexthop") && !m.get("interface") && !evpn) {
     error(n, path, "a via needs a nexthop, an interface or a vtep");
   }
-  if (errors_.size() != errorsBefore) return std::nullopt;
+  if (errorCount_ != errorsBefore) return std::nullopt;
   return v;
 }
 
 bool Reader::checkViasOfPrefix(Map const& m, StaticRoute const& r, RouteForm form) {
-  std::size_t const errorsBefore = errors_.size();
+  std::size_t const errorsBefore = errorCount_;
   Ondex::AddressFamily const af = r.prefix.af();
   Node const vias = m.get("vias").value_or(Node());
   for (std::size_t i = 0; i < r.vias.size(); ++i) {
@@ -320,7 +321,7 @@ bool Reader::checkViasOfPrefix(Map const& m, StaticRoute const& r, RouteForm for
                         v.nexthop.toString()));
     }
   }
-  return errors_.size() == errorsBefore;
+  return errorCount_ == errorsBefore;
 }
 
 std::optional<StaticRoute> Reader::route(Node const& n, std::string const& path, RouteForm form, std::string* user) {
@@ -333,7 +334,7 @@ std::optional<StaticRoute> Reader::route(Node const& n, std::string const& path,
   }
   Map const m(*this, n, path, std::move(keys));
   if (!m.valid()) return std::nullopt;
-  std::size_t const errorsBefore = errors_.size();
+  std::size_t const errorsBefore = errorCount_;
   StaticRoute r;
   r.line = lineOf(n);
   m.readRequired("prefix", r.prefix, &Reader::prefix);
@@ -365,7 +366,7 @@ std::optional<StaticRoute> Reader::route(Node const& n, std::string const& path,
       r.vias.push_back(std::move(*v));
     });
   }
-  if (errors_.size() != errorsBefore) return std::nullopt;
+  if (errorCount_ != errorsBefore) return std::nullopt;
   if (!form.keyOnly) {
     bool const drop = r.type != Routing::RouteType::forward;
     if (drop && !r.vias.empty()) {

@@ -121,6 +121,31 @@ YamlShape yamlShape(std::string_view text, YamlLimits const& limits) {
   return shape;
 }
 
+bool yamlShapeMayMatter(std::string_view text, YamlLimits const& limits) noexcept {
+  // Each level of nesting takes a column of indentation, a "- " or a bracket, give or take one.
+  std::size_t const deep = limits.maxDepth / 2;
+  std::size_t flow = 0;
+  bool lineStart = true;
+  std::size_t indent = 0;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    char const c = text[i];
+    if (lineStart && (text.substr(i, 3) == "---" || text.substr(i, 3) == "...")) return true;
+    if (lineStart && (c == ' ' || c == '-')) {
+      if (++indent > deep) return true;
+      continue;
+    }
+    lineStart = c == '\n';
+    indent = 0;
+    if (c == '*') return true;
+    if (c == '[' || c == '{') {
+      if (++flow > deep) return true;
+    } else if ((c == ']' || c == '}') && flow > 0) {
+      --flow;
+    }
+  }
+  return false;
+}
+
 MemoryStream::MemoryStream(std::string_view text) : std::istream(static_cast<std::streambuf*>(this)) {
   char* p = const_cast<char*>(text.data());  // read only: a get area is never written through
   setg(p, p, p + text.size());

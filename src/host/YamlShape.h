@@ -34,6 +34,11 @@ struct YamlShape {
 // The shape of `text` (one YAML stream). A syntax error is an error of the shape, with its line.
 [[nodiscard]] YamlShape yamlShape(std::string_view text, YamlLimits const& limits);
 
+// Whether `text` could break a limit, by one scan of its bytes: it has an alias ('*'), a document
+// marker line ("---" or "..."), or indentation or flow brackets that could nest past the depth.
+// When not, the shape pass is not needed (it costs about half as much as building the tree).
+[[nodiscard]] bool yamlShapeMayMatter(std::string_view text, YamlLimits const& limits) noexcept;
+
 // An input stream over text in memory, read in place.
 class MemoryStream : private std::streambuf, public std::istream {
  public:

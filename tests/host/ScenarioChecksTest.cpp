@@ -202,7 +202,7 @@ TEST(ScenarioChecksTest, StepsNameWhatExistsAtThatPoint) {
        "vrfs: red\n"
        "routes: [{prefix: 198.51.100.0/24, vias: {nexthop: 192.0.2.1}}]\n"
        "bfd: [{peer: [192.0.2.1], state: up}]\n",
-       {"s.yaml:1: vrfs: expected a list", "s.yaml:2: routes[0].vias: expected a list",
+       {"s.yaml:1: vrfs: expected a list, not a single value", "s.yaml:2: routes[0].vias: expected a list, not a map",
         "s.yaml:3: bfd[0].peer: expected a single value, not a list"}},
   });
 }
@@ -294,6 +294,15 @@ TEST(ScenarioChecksTest, AnAliasBombIsStoppedByTheNodeBudget) {
       limits);
   ASSERT_TRUE(ok.ok()) << ok.errorText();
   EXPECT_EQ(ok.scenario->routes[1].vias.size(), 2u);
+}
+
+TEST(ScenarioChecksTest, ErrorsPastAHundredAreCountedInOne) {
+  std::string yaml = "routes:\n";
+  for (int i = 0; i < 150; ++i) yaml += "  - {prefix: 10.0.0.300/8, type: drop}\n";
+  std::vector<std::string> const errors = errorsOf(yaml);
+  ASSERT_EQ(errors.size(), 101u);
+  EXPECT_EQ(errors[99], "s.yaml:101: routes[99].prefix: \"10.0.0.300/8\" is not a prefix (address/length)");
+  EXPECT_EQ(errors[100], "s.yaml: 50 more errors");
 }
 
 TEST(ScenarioChecksTest, ARouteOfTwentyThousandViasIsChecked) {

@@ -280,7 +280,7 @@ TEST(ScenarioParserTest, EachClassOfErrorNamesFileLineAndField) {
        "bfd: [{peer: 1.1.1.1, state: sideways}]\n",
        {"s.yaml:1: bfd[0].state: \"sideways\" is not one of: up, down, init, admin-down"}},
       {"missing field", "bfd:\n  - peer: 1.1.1.1\n", {"s.yaml:2: bfd[0].state: missing"}},
-      {"list expected", "routes: {prefix: 10.0.0.0/8}\n", {"s.yaml:1: routes: expected a list"}},
+      {"list expected", "routes: {prefix: 10.0.0.0/8}\n", {"s.yaml:1: routes: expected a list, not a map"}},
       {"map expected", "routes: [10.0.0.0/8]\n", {"s.yaml:1: routes[0]: expected a map of keys, not a single value"}},
       {"EVPN via without VNI",
        "routes: [{prefix: 10.0.0.0/8, vias: [{vtep: 2.2.2.2, router_mac: 02:00:00:00:00:01}]}]\n",

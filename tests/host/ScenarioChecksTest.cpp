@@ -9,6 +9,9 @@
 
 #include <fmt/format.h>
 
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -270,6 +273,30 @@ TEST(ScenarioChecksTest, HostileFilesAreRefusedWithAShortError) {
   ASSERT_EQ(key.size(), 1u);
   EXPECT_EQ(key[0].find("s.yaml:1: global.\"" + std::string(40, 'k') + "\"...: unknown key"), 0u) << key[0];
   EXPECT_LT(key[0].size(), 300u);
+}
+
+TEST(ScenarioChecksTest, TheScenarioIsARegularFileOfBoundedSize) {
+  auto const fifo = std::filesystem::temp_directory_path() / fmt::format("bowline-scenario-{}.fifo", ::getpid());
+  ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
+  ScenarioParse const fromFifo = parseScenario(fifo.string());
+  std::filesystem::remove(fifo);
+  EXPECT_EQ(fromFifo.errorText(), fifo.string() + ": cannot read the file: is a FIFO, not a regular file\n");
+  EXPECT_EQ(parseScenario("/dev/null").errorText(),
+            "/dev/null: cannot read the file: is a device, not a regular file\n");
+  ScenarioLimits small;
+  small.maxScenarioBytes = 100;
+  std::string const full = (scenarioDir() / "full.yaml").string();
+  std::string const tooLarge = ScenarioParser::parseFile(full, small).errorText();
+  EXPECT_EQ(tooLarge.find(full + ": cannot read the file: is "), 0u) << tooLarge;
+  EXPECT_NE(tooLarge.find(" bytes; at most 100 are read"), std::string::npos) << tooLarge;
+  // A route file past its limit is the route file's error.
+  small.maxScenarioBytes = 1 << 20;
+  small.maxRouteFileBytes = 10;
+  std::vector<std::string> routeFile;
+  for (ScenarioError const& e : ScenarioParser::parseFile(full, small).errors) routeFile.push_back(e.text());
+  ASSERT_EQ(routeFile.size(), 1u);
+  EXPECT_NE(routeFile[0].find("route_files[0].path: route file "), std::string::npos) << routeFile[0];
+  EXPECT_NE(routeFile[0].find(" bytes; at most 10 are read"), std::string::npos) << routeFile[0];
 }
 
 TEST(ScenarioChecksTest, AnAliasBombIsStoppedByTheNodeBudget) {

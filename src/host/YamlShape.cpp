@@ -122,8 +122,9 @@ YamlShape yamlShape(std::string_view text, YamlLimits const& limits) {
 }
 
 bool yamlShapeMayMatter(std::string_view text, YamlLimits const& limits) noexcept {
-  // Each level of nesting takes a column of indentation, a "- " or a bracket, give or take one.
-  std::size_t const deep = limits.maxDepth / 2;
+  // A level of nesting takes a bracket, or up to two levels share a column of indentation (a map's
+  // key and the list under it): a quarter of the depth in either stays below the limit.
+  std::size_t const deep = limits.maxDepth / 4;
   std::size_t flow = 0;
   bool lineStart = true;
   std::size_t indent = 0;

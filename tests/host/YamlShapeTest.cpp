@@ -40,8 +40,9 @@ TEST(YamlShapeTest, ThePassIsNeededOnlyWhereALimitCouldBreak) {
   EXPECT_TRUE(Host::yamlShapeMayMatter("a: &x [1]\nb: *x\n", limits));
   EXPECT_TRUE(Host::yamlShapeMayMatter("a: 1\n---\nb: 2\n", limits));
   EXPECT_TRUE(Host::yamlShapeMayMatter("a: 1\n...\n", limits));
-  EXPECT_TRUE(Host::yamlShapeMayMatter("a: " + std::string(40, '[') + std::string(40, ']') + "\n", limits));
-  EXPECT_TRUE(Host::yamlShapeMayMatter("a:\n" + std::string(40, ' ') + "b: 1\n", limits));
+  EXPECT_TRUE(Host::yamlShapeMayMatter("a: " + std::string(17, '[') + std::string(17, ']') + "\n", limits));
+  EXPECT_TRUE(Host::yamlShapeMayMatter("a:\n" + std::string(17, ' ') + "b: 1\n", limits));
+  EXPECT_FALSE(Host::yamlShapeMayMatter("a:\n" + std::string(12, ' ') + "b: [[1]]\n", limits));
   // Brackets that close do not add up.
   std::string many = "a: [";
   for (int i = 0; i < 100; ++i) many += "[1], ";

@@ -236,7 +236,7 @@ std::optional<BfdSession> Reader::bfdSession(Node const& n, std::string const& p
   std::size_t const errorsBefore = errorCount_;
   BfdSession s;
   s.line = lineOf(n);
-  m.readRequired("peer", s.peer, &Reader::unicast);
+  m.readRequired("peer", s.peer, unicastAs("BFD peer"));
   m.read("vrf", s.vrf, &Reader::vrf);
   m.read("interface", s.intf, &Reader::intf);
   m.readRequired("state", s.state, &Reader::bfdState);

@@ -145,8 +145,11 @@ class Reader {
     return v;
   }
   std::optional<Ondex::IpGenAddr> address(Node const& n, std::string const& path);
-  // An address of another box: a next hop, a VTEP, a BFD peer.
-  std::optional<Ondex::IpGenAddr> unicast(Node const& n, std::string const& path);
+  // A unicast address (see notUnicastReason) of the given role: "next hop", "VTEP", "BFD peer".
+  std::optional<Ondex::IpGenAddr> unicast(Node const& n, std::string const& path, char const* role);
+  auto unicastAs(char const* role) {
+    return [role](Reader& r, Node const& n, std::string const& path) { return r.unicast(n, path, role); };
+  }
   std::optional<Ondex::IpGenPrefix> prefix(Node const& n, std::string const& path);
   std::optional<IntfAddress> intfAddress(Node const& n, std::string const& path);
   std::optional<std::vector<IntfAddress>> intfAddresses(Node const& n, std::string const& path);

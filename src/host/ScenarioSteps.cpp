@@ -168,7 +168,7 @@ std::optional<Step::Kind> Reader::otherStep(std::string_view kind, Node const& a
     Map const m(*this, args, path, {"vrf", "nexthop", "interface", "state", "metric"});
     RibStep s;
     m.read("vrf", s.vrf, &Reader::vrf);
-    m.readRequired("nexthop", s.nexthop, &Reader::unicast);
+    m.readRequired("nexthop", s.nexthop, unicastAs("next hop"));
     m.read("interface", s.intf, &Reader::intf);
     m.readRequired("state", s.kind, &Reader::ribOverride);
     if (m.read("metric", s.metric, u32()) && s.kind != RibOverrideKind::resolved) {

@@ -102,11 +102,11 @@ std::optional<Ondex::IpGenAddr> Reader::address(Node const& n, std::string const
   return scalarAs(n, path, "an IP address", [](std::string_view t) { return parseAddress(t); });
 }
 
-std::optional<Ondex::IpGenAddr> Reader::unicast(Node const& n, std::string const& path) {
+std::optional<Ondex::IpGenAddr> Reader::unicast(Node const& n, std::string const& path, char const* role) {
   auto a = address(n, path);
   if (!a) return std::nullopt;
   if (char const* reason = notUnicastReason(*a)) {
-    error(n, path, fmt::format("{} is {}, which no next hop, VTEP or peer can be", a->toString(), reason));
+    error(n, path, fmt::format("{} is {}, which no {} can be", a->toString(), reason, role));
     return std::nullopt;
   }
   return a;
@@ -271,21 +271,21 @@ std::optional<Via> Reader::via(Node const& n, std::string const& path, RouteForm
   Via v;
   v.line = lineOf(n);
   auto flag = &Reader::boolean;
-  m.read("nexthop", v.nexthop, &Reader::unicast);
+  m.read("nexthop", v.nexthop, unicastAs("next hop"));
   m.read("interface", v.intf, &Reader::intf);
   m.read("metric", v.metric, u32());
   m.read("weight", v.weight, u32());
   m.read("label", v.labels, &Reader::labels);
   m.read("egress_vrf", v.egressVrf, &Reader::name);
   m.read("bfd", v.bfd, flag);
-  if (m.read("local_address", v.localAddr, &Reader::unicast) && v.localAddr) {
+  if (m.read("local_address", v.localAddr, unicastAs("local address")) && v.localAddr) {
     if (v.nexthop.af().isSet() && v.localAddr->af() != v.nexthop.af()) {
       error(n, m.path("local_address"), "the local address is of another family than the next hop");
     } else if (form.injected && !toggleRouteInputVxlanBfdEnabled()) {
       error(n, m.path("local_address"), "an injected route's via takes no local address (RouteInputVxlanBfd is off)");
     }
   }
-  bool const evpn = m.read("vtep", v.vtep, &Reader::unicast);
+  bool const evpn = m.read("vtep", v.vtep, unicastAs("VTEP"));
   bool const hasVni = m.read("vni", v.vni, &Reader::vni);
   bool const hasMac = m.read("router_mac", v.routerMac, &Reader::mac);
   bool const hasSip = m.read("vtep_sip_validation", v.vtepSipValidation, flag);

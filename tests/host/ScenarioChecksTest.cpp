@@ -84,32 +84,26 @@ TEST(ScenarioChecksTest, NextHopsTheLibraryWouldAssertOnAreRefused) {
        "      - nexthop: 127.0.0.1\n      - nexthop: 0.1.2.3\n"
        "  - prefix: 2001:db8::/32\n    vias:\n      - nexthop: \"::\"\n      - nexthop: ff02::1\n"
        "      - nexthop: ::1\n",
-       {"s.yaml:4: routes[0].vias[0].nexthop: 0.0.0.0 is the unspecified address, which no next hop, VTEP or peer "
-        "can be",
-        "s.yaml:5: routes[0].vias[1].nexthop: 255.255.255.255 is the broadcast address, which no next hop, VTEP or "
-        "peer can be",
-        "s.yaml:6: routes[0].vias[2].nexthop: 224.0.0.5 is a multicast address, which no next hop, VTEP or peer "
-        "can be",
-        "s.yaml:7: routes[0].vias[3].nexthop: 127.0.0.1 is a loopback address, which no next hop, VTEP or peer "
-        "can be",
+       {"s.yaml:4: routes[0].vias[0].nexthop: 0.0.0.0 is the unspecified address, which no next hop can be",
+        "s.yaml:5: routes[0].vias[1].nexthop: 255.255.255.255 is the broadcast address, which no next hop can be",
+        "s.yaml:6: routes[0].vias[2].nexthop: 224.0.0.5 is a multicast address, which no next hop can be",
+        "s.yaml:7: routes[0].vias[3].nexthop: 127.0.0.1 is a loopback address, which no next hop can be",
         "s.yaml:8: routes[0].vias[4].nexthop: 0.1.2.3 is an address of this network (0.0.0.0/8), which no next "
-        "hop, VTEP or peer can be",
-        "s.yaml:11: routes[1].vias[0].nexthop: :: is the unspecified address, which no next hop, VTEP or peer can "
-        "be",
-        "s.yaml:12: routes[1].vias[1].nexthop: ff02::1 is a multicast address, which no next hop, VTEP or peer "
-        "can be",
-        "s.yaml:13: routes[1].vias[2].nexthop: ::1 is the loopback address, which no next hop, VTEP or peer can "
-        "be"}},
-      {"VTEP, BFD peer, RIB override and router MAC",
-       "routes: [{prefix: 198.51.100.0/24, vias: [{vtep: 239.1.1.1, vni: 5, router_mac: ff:ff:ff:ff:ff:ff}]}]\n"
+        "hop can be",
+        "s.yaml:11: routes[1].vias[0].nexthop: :: is the unspecified address, which no next hop can be",
+        "s.yaml:12: routes[1].vias[1].nexthop: ff02::1 is a multicast address, which no next hop can be",
+        "s.yaml:13: routes[1].vias[2].nexthop: ::1 is the loopback address, which no next hop can be"}},
+      {"VTEP, BFD peer, RIB override, local address and router MAC",
+       "routes: [{prefix: 198.51.100.0/24, vias: [{vtep: 239.1.1.1, vni: 5, router_mac: ff:ff:ff:ff:ff:ff}, "
+       "{nexthop: 192.0.2.1, bfd: true, local_address: 0.0.0.0}]}]\n"
        "bfd: [{peer: 255.255.255.255, state: up}]\n"
        "steps: [{rib: {nexthop: 0.0.0.0, state: resolved}}]\n",
-       {"s.yaml:1: routes[0].vias[0].vtep: 239.1.1.1 is a multicast address, which no next hop, VTEP or peer can "
-        "be",
+       {"s.yaml:1: routes[0].vias[0].vtep: 239.1.1.1 is a multicast address, which no VTEP can be",
         "s.yaml:1: routes[0].vias[0].router_mac: ff:ff:ff:ff:ff:ff is not the unicast MAC address of a router",
-        "s.yaml:2: bfd[0].peer: 255.255.255.255 is the broadcast address, which no next hop, VTEP or peer can be",
-        "s.yaml:3: steps[0].rib.nexthop: 0.0.0.0 is the unspecified address, which no next hop, VTEP or peer can "
-        "be"}},
+        "s.yaml:1: routes[0].vias[1].local_address: 0.0.0.0 is the unspecified address, which no local address "
+        "can be",
+        "s.yaml:2: bfd[0].peer: 255.255.255.255 is the broadcast address, which no BFD peer can be",
+        "s.yaml:3: steps[0].rib.nexthop: 0.0.0.0 is the unspecified address, which no next hop can be"}},
       {"local address of the other family",
        "routes: [{prefix: 198.51.100.0/24, vias: [{nexthop: 192.0.2.1, bfd: true, local_address: 2001:db8::1}]}]\n",
        {"s.yaml:1: routes[0].vias[0].local_address: the local address is of another family than the next hop"}},

@@ -34,10 +34,6 @@ namespace {
   return a.preference < b.preference;
 }
 
-[[nodiscard]] char const* kindOf(Routing::RouteType t) noexcept {
-  return t == Routing::RouteType::drop ? "a drop route" : "a route with next hops";
-}
-
 // The next blank-separated field of the line from `pos`, which it moves past the field; empty at the
 // end of the line or at a comment.
 [[nodiscard]] std::string_view nextField(std::string_view line, std::size_t& pos) noexcept {
@@ -79,6 +75,10 @@ RouteFile RouteFile::parse(std::string_view text, std::string name) {
 void RouteFile::error(std::string const& name, std::size_t line, std::string message) {
   ++errorCount_;
   if (errors_.size() < kMaxErrors) errors_.push_back(Error{name, line, std::move(message)});
+}
+
+char const* RouteFile::kindText(Routing::RouteType t) noexcept {
+  return t == Routing::RouteType::drop ? "a drop route" : "a route with next hops";
 }
 
 std::optional<RouteFile::Found> RouteFile::find(Routing::RouteKey const& key) const {
@@ -205,7 +205,7 @@ void RouteFile::index(std::string const& name) {
     Routing::RouteKey const key(b.prefix, Routing::RoutePreference(b.preference));
     error(name, lineOf_[byKey_[k]],
           fmt::format("route {} is {} here and {} on line {}; a route is one or the other", key.pretty(),
-                      kindOf(b.type), kindOf(a.type), lineOf_[byKey_[k - 1]]));
+                      kindText(b.type), kindText(a.type), lineOf_[byKey_[k - 1]]));
   }
 }
 

@@ -58,6 +58,9 @@ class RouteFile {
   // A larger file is refused before it is read.
   static constexpr std::uint64_t kMaxFileBytes = std::uint64_t(1) << 30;
 
+  // "a drop route" or "a route with next hops", as errors name a line's kind.
+  [[nodiscard]] static char const* kindText(Routing::RouteType t) noexcept;
+
   // The route of a key: its type and the first line that gives it.
   struct Found {
     Routing::RouteType type = Routing::RouteType::forward;

@@ -304,9 +304,9 @@ void Reader::checkRouteFile(Node const& e, Map const& m, RouteFileSource const& 
       if (other && other->type != r.type) {
         auto const mine = src.routes.find(key);
         error(at, m.path("path"),
-              fmt::format("route {} is {} on line {} and {} on line {} of {}", key.pretty(),
-                          Routing::routeTypeName(r.type), mine->line, Routing::routeTypeName(other->type), other->line,
-                          before.path));
+              fmt::format("route {} is {} on line {} and {} on line {} of {}; a route is one or the other",
+                          key.pretty(), RouteFile::kindText(r.type), mine->line, RouteFile::kindText(other->type),
+                          other->line, before.path));
         return;
       }
     }

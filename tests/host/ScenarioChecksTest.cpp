@@ -13,6 +13,7 @@
 #include <unistd.h>
 
 #include <filesystem>
+#include <fstream>
 #include <string>
 #include <vector>
 
@@ -218,6 +219,21 @@ TEST(ScenarioChecksTest, RouteFilesAgreeWithTheScenario) {
        kEth1 + "route_files: [{path: routes.txt}, {path: routes.txt}]\n",
        {}},
   });
+}
+
+TEST(ScenarioChecksTest, RouteFilesOfOneVrfAgreeOnEachRoute) {
+  auto const dir = std::filesystem::temp_directory_path() / fmt::format("bowline-checks-{}", ::getpid());
+  std::filesystem::create_directories(dir);
+  std::ofstream(dir / "a.txt") << "198.51.100.0/24 192.0.2.1\n203.0.113.0/24 drop\n";
+  std::ofstream(dir / "b.txt") << "# b\n203.0.113.0/24 drop\n198.51.100.0/24 drop\n";
+  ScenarioParse const r = ScenarioParser::parseText(
+      "vrfs: [{name: red, id: 1}]\n"
+      "route_files:\n  - {path: a.txt}\n  - {path: b.txt, vrf: red}\n  - {path: b.txt}\n",
+      "s.yaml", dir.string());
+  std::filesystem::remove_all(dir);
+  EXPECT_EQ(r.errorText(),
+            "s.yaml:5: route_files[2].path: route 198.51.100.0/24 pref 1 is a drop route on line 3 and a route with "
+            "next hops on line 1 of a.txt; a route is one or the other\n");
 }
 
 TEST(ScenarioChecksTest, NamesAreUtf8WithoutControlCharacters) {

@@ -34,7 +34,7 @@ void ContainerSm::handleInitialized() {
                  "routingProtocol() == Rib::routeInput()");
     configByUserIs(ConfigByUser::ConfigByUserIs());
     configTaggedByUserIs(ConfigTaggedByUser::ConfigTaggedByUserIs());
-    martianRouteConfigIs(RouteInput::RouteInputIs("martian"));
+    martianRouteConfigIs(RouteInput::RouteInputIs(kMartianUser));
     martianRouteConfig()->routingProtoIs(60);
     // The martian routes travel as one more user's input.
     configByUser()->configIs(martianRouteConfig());
@@ -114,6 +114,11 @@ void dirEntryToUsers(Zel::Dir const* dir, Users& users, Quill::String const& nam
 void ContainerSm::handleConfigDir(Quill::String const& name) {
   IC_TRACE(8, "handleConfigDir(" << name << "), Initialized: " << initialized());
   if (!initialized() || !configByUser()) return;
+  if (name.view() == kMartianUser) {
+    // The name of the container's own list: an agent's entry of that name would replace it.
+    IC_TRACE(0, "handleConfigDir(" << name << "), ignored: the martian routes' own list");
+    return;
+  }
   dirEntryToUsers<RouteInput>(configDir().get(), *configByUser(), name, vrfName_, "handleConfigDir", "), Adding config",
                               "), Deleting config");
 }

@@ -69,7 +69,8 @@ RouteConfigSm::RouteConfigSm(Inputs const& in)
   }
   riConfigByUserIs(in.riConfigByUser);
   if (auto const& users = riConfigByUser()) {
-    for (auto it = users->configIteratorConst(); it; it.advance()) handleConfigByUser(it.key());
+    // Their routes are in the review of all routes that handleInitialized scheduled.
+    for (auto it = users->configIteratorConst(); it; it.advance()) riConfig_.is(it.key(), it.value());
   }
 }
 
@@ -353,8 +354,10 @@ void RouteConfigSm::srReviewRoute(RouteKey const& key) {
 }
 
 void RouteConfigSm::riReviewRoute(RouteKey const& key) {
-  RouteConstPtr route = isStaticMode() ? srRouteFromConfig(key) : riRouteFromConfig(key);
+  Quill::String user;
+  RouteConstPtr route = isStaticMode() ? srRouteFromConfig(key) : riRouteFromConfig(key, &user);
   if (route) {
+    if (!isStaticMode()) riProgrammedUserIs(key, user);
     handleRouteInit(*route, vrfId_);
     return;
   }
@@ -373,20 +376,41 @@ RouteConfigSm::RouteConstPtr RouteConfigSm::srRouteFromConfig(RouteKey const& ke
   return srConfig() ? RouteConstPtr(srConfig()->route(key)) : nullptr;
 }
 
-RouteConfigSm::RouteConstPtr RouteConfigSm::riRouteFromConfig(RouteKey const& key) const {
+RouteConfigSm::RouteConstPtr RouteConfigSm::riRouteFromConfig(RouteKey const& key, Quill::String* user) const {
   auto const& users = riConfigByUser();
   if (!users) return nullptr;
+  // Every user is looked at: the winner is the first in Input::userBefore's order, not in the
+  // collection's.
+  RouteConstPtr best;
+  Quill::String bestUser;
   for (auto it = users->configIteratorConst(); it; it.advance()) {
+    if (best && !Input::userBefore(it.key(), bestUser)) continue;
     auto zelConfig = riConfig(it.key());
     if (!zelConfig) continue;
     auto input = zelConfig->notifier();
     if (!input) continue;
     RouteConstPtr route = input->route(key);
     if (!route || !checkCommandTagInEnabledStatus(route->commandTagId())) continue;
-    RC_TRACE(9, "riRouteFromConfig userConfig: " << it.key());
-    return route;
+    best = route;
+    bestUser = it.key();
   }
-  return nullptr;
+  if (best) RC_TRACE(9, "riRouteFromConfig userConfig: " << bestUser);
+  if (user) *user = bestUser;
+  return best;
+}
+
+void RouteConfigSm::riProgrammedUserIs(RouteKey const& key, Quill::String const& user) {
+  if (Quill::String const* former = riProgrammedUser_.find(key)) {
+    if (*former == user) return;
+    RC_TRACE(6, "riProgrammedUserIs " << key << " passes from user " << *former << " to user " << user);
+    handleRouteKeyDelete(key);  // the former winner's vias and attributes go with its entry
+  }
+  riProgrammedUser_.tryEmplace(key, user);
+}
+
+bool RouteConfigSm::riProgrammedUserHas(RouteKey const& key, Quill::String const& user) const {
+  Quill::String const* programmed = riProgrammedUser_.find(key);
+  return programmed && *programmed == user;
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -557,22 +581,46 @@ void RouteConfigSm::handleVias(Route const& route, Vrf::VrfIdMap::VrfId srcVrfId
 }
 
 void RouteConfigSm::routePrefAdjustToGlobalPref(Route const& route) {
-  auto statusRoute = status_->route(route.key().prefix());
+  RouteKey const& key = route.key();
+  auto statusRoute = status_->route(key.prefix());
   if (!statusRoute) return;
-  RoutePreference const pref = route.key().preference();
+  RoutePreference const pref = key.preference();
   if (oldGlobalPref() != RoutePreference() && oldGlobalPref() != pref) {
     RC_TRACE(6, "routePrefAdjustToGlobalPref Del oldGlobalPref " << oldGlobalPref());
-    statusRoute->routePrefDel(oldGlobalPref());
+    if (statusRoute->routePrefDel(oldGlobalPref())) srReviewEntryOwner(key.prefix(), oldGlobalPref(), key);
   }
   if (globalPref() == RoutePreference()) return;
   if (pref == RoutePreference()) {
     RC_TRACE(6, "routePrefAdjustToGlobalPref Del defaultPref ");
     statusRoute->routePrefDel(RoutePreference());
-  } else {
+  } else if (pref == globalPref() || !srEntryOwner(key.prefix(), globalPref())) {
     // Also when the route's own preference equals the global one: the cases are not told apart.
+    // A route of the prefix configured without a preference keeps its entry at the global one.
     RC_TRACE(6, "routePrefAdjustToGlobalPref Del globalPref " << globalPref());
-    statusRoute->routePrefDel(globalPref());
+    if (statusRoute->routePrefDel(globalPref())) srReviewEntryOwner(key.prefix(), globalPref(), key);
   }
+}
+
+bool RouteConfigSm::srAtGlobalPrefExplicitly(RouteKey const& key) const {
+  return globalPref() != RoutePreference() && key.preference() == globalPref();
+}
+
+std::optional<RouteKey> RouteConfigSm::srEntryOwner(Ondex::IpGenPrefix const& prefix, RoutePreference entry) const {
+  RouteKey owner(prefix, entry);
+  if (globalPref() != RoutePreference()) {
+    if (entry == RoutePreference()) return std::nullopt;  // nobody lives at 1 then
+    if (entry == globalPref()) owner = RouteKey(prefix, RoutePreference());
+  }
+  bool const configured =
+      (srConfig() && srConfig()->routeHas(owner)) || (srConfigDynamic() && srConfigDynamic()->routeHas(owner));
+  return configured ? std::optional<RouteKey>(owner) : std::nullopt;
+}
+
+void RouteConfigSm::srReviewEntryOwner(Ondex::IpGenPrefix const& prefix, RoutePreference entry, RouteKey const& self) {
+  auto const owner = srEntryOwner(prefix, entry);
+  if (!owner || *owner == self) return;
+  RC_TRACE(6, "srReviewEntryOwner " << *owner << " enters its entry again after " << self);
+  handleRoute(*owner);
 }
 
 void RouteConfigSm::globalPrefIs(RoutePreference pref) {
@@ -615,7 +663,14 @@ void RouteConfigSm::srHandleRouteDelete(Route const& route, bool leaked) {
   if (auto statusRoute = status_->route(key.prefix())) {
     RoutePreference pref = key.preference();
     if (pref == RoutePreference() && globalPref() != RoutePreference()) pref = globalPref();
-    statusRoute->routePrefDel(pref);
+    if (statusRoute->routePrefDel(pref)) srReviewEntryOwner(key.prefix(), pref, key);
+    if (key.preference() == RoutePreference()) {
+      // Gone before the review that follows a change of the global preference moved it: its entry
+      // at 1 or at the former global preference stays otherwise.
+      for (RoutePreference const former : {RoutePreference(), oldGlobalPref()}) {
+        if (former != pref && statusRoute->routePrefDel(former)) srReviewEntryOwner(key.prefix(), former, key);
+      }
+    }
     if (!statusRoute->routePrefSize()) {
       RC_TRACE(6, "srHandleRouteDelete Deleting route " << key.prefix());
       status_->routeDel(key.prefix());
@@ -635,6 +690,7 @@ void RouteConfigSm::riHandleRouteDelete(Route const& route) {
 }
 
 void RouteConfigSm::handleRouteKeyDelete(RouteKey const& key) {
+  riProgrammedUser_.erase(key);
   if (auto const& users = riConfigByUser()) {
     for (auto it = users->configIteratorConst(); it; it.advance()) {
       auto zelConfig = riConfig(it.key());
@@ -662,6 +718,11 @@ void RouteConfigSm::handleRouteVia(Route const& route, Via const& via, RouteList
     if (sipValidationHelper->checkOnlyEvpnViaVtepSipValidationChange(route, via)) return;
   }
   if (!checkCommandTagInEnabledStatus(route.commandTagId())) return;
+  if (isStaticMode() && srAtGlobalPrefExplicitly(route.key())) {
+    // It has no entry of its own (it would be another route's): its review decides.
+    handleRoute(route.key());
+    return;
+  }
   std::uint32_t weight = 0;
   OptWeight prevWeight;
   if (routeList && routeList->routeHas(route.key())) {
@@ -858,10 +919,14 @@ void RouteConfigSm::ZelTaggedRouteConfigSm::onAttribute(Zel::AttrId id, void con
 void RouteConfigSm::handleConfigByUser(Quill::String const& name) {
   auto const& users = riConfigByUser();
   auto input = users ? users->config(name) : nullptr;
-  if (input)
-    riConfig_.is(name, input);
-  else
-    riConfig_.del(name);
+  auto const former = riConfig(name);
+  if (former && former->notifier() == input) return;
+  // A list that replaces another one of the name goes out as a removed list first.
+  if (former) riConfig_.del(name);
+  if (!input) return;
+  riConfig_.is(name, input);
+  // A list that comes with routes: each key is reviewed, as if its routes had come one by one.
+  for (auto it = input->routeIteratorConst(); it; it.advance()) handleRoute(it.key());
 }
 
 void RouteConfigSm::handleConfigTaggedByUser(Quill::String const& name) {
@@ -1049,7 +1114,8 @@ void RouteConfigSm::RiZelConfig::onAttribute(Zel::AttrId id, void const* key) {
     // A route replaced by another of the same key (or removed) takes its vias out now: the review
     // of the key only enters what the current route has.
     auto const former = route_.get(routeKey);
-    if (former && former->notifier() && former->notifier() != input->route(routeKey)) {
+    if (former && former->notifier() && former->notifier() != input->route(routeKey) &&
+        parent->riProgrammedUserHas(routeKey, this->key())) {
       parent->handleRouteKeyDelete(routeKey);
     }
     parent->handleRoute(routeKey);
@@ -1078,7 +1144,7 @@ void RouteConfigSm::RiZelConfig::handleRouteCommandTagId(Route const& route) {
 void RouteConfigSm::RiZelConfig::handleUserDelete() {
   for (auto it = route_.map().iterator(); it; it.advance()) {
     auto nested = it.value();
-    owner()->handleRouteKeyDelete(it.key());
+    if (owner()->riProgrammedUserHas(it.key(), key())) owner()->handleRouteKeyDelete(it.key());
     // Another user may configure the same key: the review of the key puts its route back.
     owner()->handleRoute(it.key());
     if (sipValidationHelper_ && nested->notifier())
@@ -1096,6 +1162,17 @@ void RouteConfigSm::RiZelConfig::NestedSm_Route::onAttribute(Zel::AttrId id, voi
   RouteConfigSm* parent = config->owner();
   auto route = notifier();
   if (!route || config->zelMarkedForDeletion() || parent->zelMarkedForDeletion()) return;
+  if (!parent->riProgrammedUserHas(route->key(), config->key())) {
+    // Another user's route holds the key, or its review is pending: the review decides. The VTEP
+    // count follows every user's vias.
+    auto const& helper = config->sipValidationHelper();
+    if (helper && (id == Route::viaId || id == Route::bfdTrackedId)) {
+      Via const& via = *static_cast<Via const*>(key);
+      helper->maybeUpdateVtepSipValidation(*route, via, route->viaHas(via));
+    }
+    parent->handleRoute(route->key());
+    return;
+  }
   if (id == Route::commandTagIdId) {
     config->handleRouteCommandTagId(*route);
   } else if (parent->handleRouteAttributeChange(*route, id, true)) {

@@ -6,6 +6,20 @@
 //
 // Reactors only put keys on the backlog and schedule; "routeReview" reviews the backlog and
 // "reviewAllRoutes" reviews every route, both yielding between routes with a bookmark.
+//
+// One configured route writes an entry (prefix and preference) of the status store, whatever the
+// order in which keys are reviewed:
+// - Route input. Of the users' routes of one key, the martian list's wins, then that of the user
+//   whose name sorts first (Input::userBefore), skipping routes whose command tag is disabled. The
+//   winner is remembered per key: when another user's route takes the key, the entry is emptied
+//   before the new winner enters it, and a change of a route that is not the winner only asks for a
+//   review of the key. Routes of one prefix at different preferences are separate entries, and the
+//   protocol core installs the lowest.
+// - Static mode, global preference G other than 1. A route configured without a preference lives
+//   at G. A route of explicit preference G is not installed, and leaves the entry at G to a route
+//   of the prefix configured without a preference; a route of another explicit preference never
+//   removes that entry. Whenever a review removes an entry that another configured route of the
+//   prefix lives at (G, or the former global preference), that route is queued to enter it again.
 #pragma once
 
 #include <cstdint>
@@ -218,7 +232,12 @@ class RouteConfigSm : public Zel::StateMachine<RouteConfigSm> {
   void riReviewRoute(RouteKey const& key);
   [[nodiscard]] RouteConstPtr routeFromConfig(RouteKey const& key) const;
   [[nodiscard]] RouteConstPtr srRouteFromConfig(RouteKey const& key) const;
-  [[nodiscard]] RouteConstPtr riRouteFromConfig(RouteKey const& key) const;
+  // The winning route of the key among the users' (see the top of this file), and its user.
+  [[nodiscard]] RouteConstPtr riRouteFromConfig(RouteKey const& key, Quill::String* user = nullptr) const;
+  // Records the user whose route the review enters for the key; a different former one's entry is
+  // removed first.
+  void riProgrammedUserIs(RouteKey const& key, Quill::String const& user);
+  [[nodiscard]] bool riProgrammedUserHas(RouteKey const& key, Quill::String const& user) const;
   void finishReview();
   void maybeSetRoutesReady();
   [[nodiscard]] bool isStaticMode() const noexcept { return routingProtocol_ == Rib::RoutingProtocol::staticConfig(); }
@@ -230,6 +249,12 @@ class RouteConfigSm : public Zel::StateMachine<RouteConfigSm> {
   void handleTag(Route const& route, Vrf::VrfIdMap::VrfId srcVrfId);
   void handleVias(Route const& route, Vrf::VrfIdMap::VrfId srcVrfId, bool ecmpStateChanged);
   void routePrefAdjustToGlobalPref(Route const& route);
+  // A route of explicit preference equal to the global one (not 1): it has no entry of its own.
+  [[nodiscard]] bool srAtGlobalPrefExplicitly(RouteKey const& key) const;
+  // The static or dynamic route whose entry is the preference `entry` of the prefix, if any.
+  [[nodiscard]] std::optional<RouteKey> srEntryOwner(Ondex::IpGenPrefix const& prefix, RoutePreference entry) const;
+  // After an entry was removed on behalf of `self`: its owner, another route, is queued to enter it again.
+  void srReviewEntryOwner(Ondex::IpGenPrefix const& prefix, RoutePreference entry, RouteKey const& self);
   void handleGlobalPreference(RoutePreference former);
   void globalPrefIs(RoutePreference pref);
   [[nodiscard]] static bool sendToCpu(Route const& route);
@@ -439,6 +464,8 @@ class RouteConfigSm : public Zel::StateMachine<RouteConfigSm> {
   std::optional<RouteKey> reviewKeyBookmarkLeak_;
   Quill::Ptr<ZelTaggedRouteConfigSm> taggedRouteConfigSmWatcher_;
   Quill::Ptr<ZelTaggedRouteConfigSm> taggedRouteDynamicConfigSmWatcher_;
+  // Route input: the user whose route is entered in the status store, per key. Looked up only.
+  Zel::HashMap2018<RouteKey, Quill::String> riProgrammedUser_{ZEL_SALT(143)};
 };
 
 }  // namespace Routing::Static

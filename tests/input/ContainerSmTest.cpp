@@ -82,5 +82,66 @@ TEST_F(InputContainerSmTest, RouteInputModeCollectsTheAgentsListsAfterTheMartian
   sm = nullptr;
 }
 
+// Users inject martian prefixes, by names sorting before and after the martian list's, arriving
+// before and after the container: the martian routes stay what they are, and a user's own preference
+// of such a prefix is an entry of its own.
+TEST_F(InputContainerSmTest, TheMartianListWinsItsKeysOverEveryUser) {
+  unsetenv("DO_NOT_INSTALL_MARTIAN");
+  for (bool usersFirst : {true, false}) {
+    SCOPED_TRACE(usersFirst ? "users before the container" : "users after the container");
+    auto dir = Zel::Dir::DirIs("routeInput");
+    auto const inject = [&dir](char const* name) {
+      auto agent = Routing::RouteInput::RouteInputIs(name);
+      agent->routingProtoIs(16);
+      agent->routeIs(routeKey("0.0.0.0/8"), Routing::RouteType::forward)
+          ->viaIs(StaticRouteHarness::via("10.0.0.1"), {});
+      agent->routeIs(routeKey("127.0.0.0/8"), Routing::RouteType::forward)
+          ->viaIs(StaticRouteHarness::via("10.0.0.2"), {});
+      agent->routeIs(routeKey("127.0.0.0/8", 9), Routing::RouteType::forward)
+          ->viaIs(StaticRouteHarness::via("10.0.0.3"), {});
+      dir->entityIs(name, agent);
+    };
+    if (usersFirst) {
+      inject("aaa");
+      inject("zzz");
+    }
+    auto in = inputs(Routing::Rib::RoutingProtocol::routeInput());
+    in.configDir = dir;
+    auto sm = Routing::Input::ContainerSm::ContainerSmIs(in);
+    h.status = sm->protocolContainerSm()->status();  // the harness's readers look there
+    runToIdle();
+    if (!usersFirst) {
+      inject("zzz");
+      inject("aaa");
+    }
+    runToIdle();
+    auto const drop = h.viasOf("0.0.0.0/8");
+    ASSERT_EQ(drop.size(), 1u);
+    EXPECT_NE(drop.begin()->find("Null0"), std::string::npos);
+    EXPECT_EQ(h.routePref("0.0.0.0/8")->fibRouteType(), 36);
+    EXPECT_EQ(h.viasOf("127.0.0.0/8").size(), 1u) << "the one via to the CPU";
+    EXPECT_EQ(h.routePref("127.0.0.0/8")->fecType(), 6);
+    EXPECT_EQ(h.prefsOf("127.0.0.0/8"), (std::vector<unsigned>{1, 9}));
+    EXPECT_EQ(h.viasOf("127.0.0.0/8", 9).size(), 1u);
+
+    // The users go: the martian routes stay, the users' own preference goes with them.
+    dir->entityIs("aaa", Routing::RouteList::RouteListIs());
+    dir->entityIs("zzz", Routing::RouteList::RouteListIs());
+    runToIdle();
+    EXPECT_EQ(h.prefsOf("127.0.0.0/8"), std::vector<unsigned>{1});
+    EXPECT_EQ(h.viasOf("0.0.0.0/8"), drop);
+
+    // An agent's entry named as the martian list does not replace it, nor take it away on leaving.
+    inject(Routing::Input::kMartianUser);
+    runToIdle();
+    EXPECT_EQ(sm->configByUser()->config(Routing::Input::kMartianUser).get(), sm->martianRouteConfig().get());
+    dir->entityIs(Routing::Input::kMartianUser, Routing::RouteList::RouteListIs());
+    runToIdle();
+    EXPECT_EQ(h.viasOf("0.0.0.0/8"), drop);
+    sm = nullptr;
+    runToIdle();
+  }
+}
+
 }  // namespace
 }  // namespace BowlineTest

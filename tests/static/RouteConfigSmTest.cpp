@@ -3,6 +3,9 @@
 // read back.
 #include "static/RouteConfigSm.h"
 
+#include <map>
+#include <string>
+
 #include <gtest/gtest.h>
 
 #include "foundations/runtime/Slab.h"
@@ -184,6 +187,59 @@ TEST_F(RouteConfigSmTest, GlobalPreferenceMovesDefaultPreferenceRoutes) {
   h.config->routeDel(routeKey("5.0.0.0/8", 9));
   runToIdle();
   EXPECT_EQ(h.status->route(pfx("5.0.0.0/8")), nullptr);
+}
+
+// One prefix configured without a preference (D, at the global preference G), at G explicitly (E)
+// and at another preference (F). Each key is also reviewed alone, in both orders: the outcome may
+// not depend on which key's review came last.
+TEST_F(RouteConfigSmTest, ARouteAtTheGlobalPreferenceKeepsItsEntryWhateverTheOrderOfReviews) {
+  auto const d = routeKey("5.0.0.0/8");
+  auto const e = routeKey("5.0.0.0/8", 40);
+  auto const f = routeKey("5.0.0.0/8", 60);
+  auto const hop = [](char const* text) { return StaticRouteHarness::via(text); };
+  auto const at = [this](unsigned pref) { return h.viasOf("5.0.0.0/8", pref); };
+  Set const viaD{"2: nextHop 10.0.0.1 intf  weight 0"};
+  Set const viaF{"2: nextHop 10.0.0.3 intf  weight 0"};
+  h.general->staticRoutePreferenceIs(Routing::RoutePreference(40));
+  h.config->routeIs(e, RouteType::forward)->viaIs(hop("10.0.0.2"), {});
+  h.config->routeIs(f, RouteType::forward)->viaIs(hop("10.0.0.3"), {});
+  h.config->routeIs(d, RouteType::forward)->viaIs(hop("10.0.0.1"), {});
+  start();
+  // 1. D holds G; E, of explicit preference G, is not installed and takes nothing of D's.
+  EXPECT_EQ(h.prefsOf("5.0.0.0/8"), (std::vector<unsigned>{40, 60})) << "step 1";
+  EXPECT_EQ(at(40), viaD) << "step 1";
+  for (auto const& order : {std::vector{e, f, d}, std::vector{d, f, e}, std::vector{f, e}, std::vector{e}}) {
+    for (auto const& key : order) h.sm->handleRoute(key);
+    runToIdle();
+    EXPECT_EQ(h.prefsOf("5.0.0.0/8"), (std::vector<unsigned>{40, 60})) << "step 1, reviewed alone";
+    EXPECT_EQ(at(40), viaD) << "step 1, reviewed alone";
+  }
+  // 2. A via of E changes: D's entry does not take it.
+  h.config->route(e)->viaIs(hop("10.0.0.4"), {});
+  runToIdle();
+  EXPECT_EQ(at(40), viaD) << "step 2";
+  // 3. D goes and comes back: E alone is not installed; D takes its entry whole again.
+  h.config->routeDel(d);
+  runToIdle();
+  EXPECT_EQ(h.prefsOf("5.0.0.0/8"), std::vector<unsigned>{60}) << "step 3";
+  h.config->routeIs(d, RouteType::forward)->viaIs(hop("10.0.0.1"), {});
+  runToIdle();
+  EXPECT_EQ(at(40), viaD) << "step 3";
+  // 4. G moves to F's preference: E now has its own entry, D holds 60 and F is not installed.
+  h.general->staticRoutePreferenceIs(Routing::RoutePreference(60));
+  runToIdle();
+  EXPECT_EQ(h.prefsOf("5.0.0.0/8"), (std::vector<unsigned>{40, 60})) << "step 4";
+  EXPECT_EQ(at(40), (Set{"2: nextHop 10.0.0.2 intf  weight 0", "2: nextHop 10.0.0.4 intf  weight 0"})) << "step 4";
+  EXPECT_EQ(at(60), viaD) << "step 4";
+  for (auto const& key : {d, e, f}) h.sm->handleRoute(key);
+  runToIdle();
+  EXPECT_EQ(at(60), viaD) << "step 4, reviewed again";
+  // 5. G goes back to 1 and D goes before the review that would have moved it: nothing of D stays.
+  h.general->staticRoutePreferenceIs(Routing::RoutePreference(1));
+  h.config->routeDel(d);
+  runToIdle();
+  EXPECT_EQ(h.prefsOf("5.0.0.0/8"), (std::vector<unsigned>{40, 60})) << "step 5";
+  EXPECT_EQ(at(60), viaF) << "step 5";
 }
 
 TEST_F(RouteConfigSmTest, DropAndToCpuRoutesHaveOneViaWhateverTheConfiguration) {
@@ -446,46 +502,126 @@ TEST_F(RouteConfigSmTest, TeardownReleasesEverything) {
   EXPECT_EQ(liveSinceStart(), live);
 }
 
-TEST_F(RouteConfigSmTest, RouteInputModeTakesTheFirstUserWithAnEnabledTag) {
-  h.configByUser = Routing::Input::ConfigByUser::ConfigByUserIs();
-  h.configTagStatus = ConfigTag::ConfigTagStatus::ConfigTagStatusIs();
-  h.configTagIdState = ConfigTag::ConfigTagIdState::ConfigTagIdStateIs();
-  h.configTagIdState->tagIdToTagStrIs(3, "maint");
-  h.configTagStatus->configTagEntryIs("maint")->operStateIs(0);
-  auto a = Routing::RouteInput::RouteInputIs("agentA");
-  auto b = Routing::RouteInput::RouteInputIs("agentB");
-  a->routingProtoIs(60);
-  b->routingProtoIs(16);
-  auto ra = a->routeIs(routeKey("90.0.0.0/8"), RouteType::forward);
-  ra->viaIs(StaticRouteHarness::via("10.0.0.1"), {});
-  auto rb = b->routeIs(routeKey("90.0.0.0/8"), RouteType::forward);
-  rb->viaIs(StaticRouteHarness::via("10.0.0.2"), {});
-  h.configByUser->configIs(a);
-  h.configByUser->configIs(b);
-  // Which user comes first is the collection's order; disable that one's route by its tag.
-  auto const first = h.configByUser->configIteratorConst().key();
-  auto firstRoute = first == "agentA" ? ra : rb;
-  std::string const secondHop = first == "agentA" ? "10.0.0.2" : "10.0.0.1";
-  firstRoute->commandTagIdIs(3);
+// Route input: two users of one key. The users' collection walks names in its hash order, so the
+// names are chosen to stand in that order the other way round from their byte order: a winner taken
+// from the walk would be the wrong one.
+class RouteInputUsersTest : public RouteConfigSmTest {
+ protected:
+  void SetUp() override {
+    RouteConfigSmTest::SetUp();
+    h.configByUser = Routing::Input::ConfigByUser::ConfigByUserIs();
+    h.configTagStatus = ConfigTag::ConfigTagStatus::ConfigTagStatusIs();
+    h.configTagIdState = ConfigTag::ConfigTagIdState::ConfigTagIdStateIs();
+    h.configTagIdState->tagIdToTagStrIs(3, "maint");
+    h.configTagStatus->configTagEntryIs("maint")->operStateIs(1);
+    auto const& coll = h.configByUser->configColl();
+    for (int i = 0; i < 64 && first.empty(); ++i) {
+      Quill::String const a("user" + std::to_string(i));
+      Quill::String const b("user" + std::to_string(i + 1));
+      if (coll.orderLess(b, a)) first = a, second = b;
+    }
+    ASSERT_FALSE(first.empty());
+  }
+  Quill::Ptr<Routing::RouteInput> userIs(Quill::String const& name, char const* hop, unsigned pref = 1) {
+    auto& list = lists[name.str()];
+    if (!list) list = Routing::RouteInput::RouteInputIs(name);
+    list->routingProtoIs(16);
+    list->routeIs(routeKey("90.0.0.0/8", pref), RouteType::forward)->viaIs(StaticRouteHarness::via(hop), {});
+    h.configByUser->configIs(list);
+    return list;
+  }
+  static Set one(char const* hop) { return Set{std::string("4: nextHop ") + hop + " intf  weight 0"}; }
+
+  std::map<std::string, Quill::Ptr<Routing::RouteInput>> lists;  // the writable side of each user's list
+  Quill::String first;                                            // sorts first by name, walked second
+  Quill::String second;
+};
+
+TEST_F(RouteInputUsersTest, TheUserWhoseNameSortsFirstWinsInEitherOrderOfArrival) {
+  for (bool firstComesFirst : {true, false}) {
+    SCOPED_TRACE(firstComesFirst ? "first user's list made first" : "second user's list made first");
+    h.configByUser->configDelAll();
+    lists.clear();
+    h.stop();
+    runToIdle();
+    // 1. Both lists are there when the machine starts; the second user has one more preference.
+    if (firstComesFirst) userIs(first, "10.0.0.1");
+    userIs(second, "10.0.0.2");
+    userIs(second, "10.0.0.7", 7);
+    if (!firstComesFirst) userIs(first, "10.0.0.1");
+    h.start(scheduler(), Routing::Rib::RoutingProtocol::routeInput());
+    runToIdle();
+    EXPECT_EQ(h.prefsOf("90.0.0.0/8"), (std::vector<unsigned>{1, 7})) << "step 1";
+    EXPECT_EQ(h.viasOf("90.0.0.0/8"), one("10.0.0.1")) << "step 1";
+
+    // 2. A via of the losing route changes: the store does not follow it.
+    userIs(second, "10.0.0.3");
+    runToIdle();
+    EXPECT_EQ(h.viasOf("90.0.0.0/8"), one("10.0.0.1")) << "step 2";
+
+    // 3. The winner's route is disabled by its tag, then enabled: each time the key passes whole.
+    lists[first.str()]->route(routeKey("90.0.0.0/8"))->commandTagIdIs(3);
+    h.configTagStatus->configTagEntry("maint")->operStateIs(2);
+    h.sm->handleRoute(routeKey("90.0.0.0/8"));
+    runToIdle();
+    EXPECT_EQ(h.viasOf("90.0.0.0/8"), (Set{"4: nextHop 10.0.0.2 intf  weight 0", "4: nextHop 10.0.0.3 intf  weight 0"}))
+        << "step 3";
+    h.configTagStatus->configTagEntry("maint")->operStateIs(1);
+    h.sm->handleRoute(routeKey("90.0.0.0/8"));
+    runToIdle();
+    EXPECT_EQ(h.viasOf("90.0.0.0/8"), one("10.0.0.1")) << "step 3";
+    EXPECT_EQ(h.routePref("90.0.0.0/8")->fibRouteType(), 35);
+
+    // 4. A user of a name that sorts before both arrives, then the martian list: each takes over.
+    userIs("aaa", "10.0.0.4");
+    runToIdle();
+    EXPECT_EQ(h.viasOf("90.0.0.0/8"), one("10.0.0.4")) << "step 4";
+    auto martian = Routing::RouteInput::RouteInputIs(Routing::Input::kMartianUser);
+    martian->routingProtoIs(60);
+    martian->routeIs(routeKey("90.0.0.0/8"), RouteType::drop);
+    h.configByUser->configIs(martian);
+    runToIdle();
+    EXPECT_EQ(h.viasOf("90.0.0.0/8").size(), 1u) << "step 4";
+    EXPECT_NE(h.viasOf("90.0.0.0/8").begin()->find("Null0"), std::string::npos) << "step 4";
+    EXPECT_EQ(h.routePref("90.0.0.0/8")->fibRouteType(), 36) << "step 4";
+
+    // 5. Lists go one by one, in the order that leaves each winner in turn.
+    h.configByUser->configDel(Routing::Input::kMartianUser);
+    h.configByUser->configDel("aaa");
+    runToIdle();
+    EXPECT_EQ(h.viasOf("90.0.0.0/8"), one("10.0.0.1")) << "step 5";
+    h.configByUser->configDel(first);
+    runToIdle();
+    EXPECT_EQ(h.viasOf("90.0.0.0/8"), (Set{"4: nextHop 10.0.0.2 intf  weight 0", "4: nextHop 10.0.0.3 intf  weight 0"}))
+        << "step 5";
+    h.configByUser->configDel(second);
+    runToIdle();
+    EXPECT_EQ(h.status->route(pfx("90.0.0.0/8")), nullptr) << "step 5";
+  }
+}
+
+TEST_F(RouteInputUsersTest, AKeyPassingBetweenUsersRouteByRouteLeavesNothingBehind) {
   h.start(scheduler(), Routing::Rib::RoutingProtocol::routeInput());
   runToIdle();
-  EXPECT_EQ(h.viasOf("90.0.0.0/8"), Set{"4: nextHop " + secondHop + " intf  weight 0"});
-
-  // The tag enabled again: the first user wins at the next review.
-  h.configTagStatus->configTagEntryIs("maint")->operStateIs(1);
-  h.sm->handleRoute(routeKey("90.0.0.0/8"));
+  // The loser's route comes first and is entered; the winner's takes the key from it.
+  auto losing = userIs(second, "10.0.0.2");
   runToIdle();
-  EXPECT_EQ(h.viasOf("90.0.0.0/8").size(), 2u) << "both users' vias, old and new, under one key";
-  EXPECT_EQ(h.routePref("90.0.0.0/8")->fibRouteType(), first == "agentA" ? 36 : 35);
-
-  // The first user's list goes: the other user's route of the key takes its place.
-  h.configByUser->configDel(first);
+  EXPECT_EQ(h.viasOf("90.0.0.0/8"), one("10.0.0.2"));
+  auto winning = userIs(first, "10.0.0.1");
   runToIdle();
-  EXPECT_EQ(h.viasOf("90.0.0.0/8"), Set{"4: nextHop " + secondHop + " intf  weight 0"});
-  // The last list goes: the key leaves the store.
-  h.configByUser->configDel(first == "agentA" ? "agentB" : "agentA");
+  EXPECT_EQ(h.viasOf("90.0.0.0/8"), one("10.0.0.1"));
+  // The loser's route is replaced and removed: the winner's entry stays as it is.
+  losing->routeDel(routeKey("90.0.0.0/8"));
+  userIs(second, "10.0.0.5");
+  losing->routeDel(routeKey("90.0.0.0/8"));
   runToIdle();
-  EXPECT_EQ(h.status->route(pfx("90.0.0.0/8")), nullptr);
+  EXPECT_EQ(h.viasOf("90.0.0.0/8"), one("10.0.0.1"));
+  // The winner's route is replaced by another of the key: only the new route's vias.
+  winning->routeDel(routeKey("90.0.0.0/8"));
+  userIs(first, "10.0.0.6");
+  runToIdle();
+  EXPECT_EQ(h.viasOf("90.0.0.0/8"), one("10.0.0.6"));
+  EXPECT_EQ(h.ipViaConfig->viaSize(), 1u) << "no via of a former route is held";
 }
 
 TEST_F(RouteConfigSmTest, CommandTagTakesItsRoutesOutAndBringsThemBack) {

@@ -153,9 +153,8 @@ void Reader::readCommandTags(Node const& n) {
       error(e, p, "at most 65535 command tags");
       return;
     }
+    tags_[t.name] = t.id;
     sc_.commandTags.push_back(std::move(t));
-    tags_.clear();  // the vector moved: the index is built again
-    for (CommandTag const& tag : sc_.commandTags) tags_[tag.name] = &tag;
   });
 }
 

@@ -238,7 +238,7 @@ class Reader {
   Scenario sc_;
   // Declared names, for lookups in files of many routes.
   std::set<Ondex::IntfId> interfaces_;
-  std::map<std::string, CommandTag const*, std::less<>> tags_;
+  std::map<std::string, std::uint16_t, std::less<>> tags_;  // command tags by name, to their ids
   std::set<std::string> vrfsNow_;  // the VRFs that exist at the point being read
   std::map<std::string, std::uint32_t, std::less<>> vrfIdsByName_;
   std::set<std::uint32_t> vrfIdsNow_;

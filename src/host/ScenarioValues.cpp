@@ -350,8 +350,8 @@ std::optional<StaticRoute> Reader::route(Node const& n, std::string const& path,
   if (auto t = m.get("command_tag")) {
     if (auto tagName = name(*t, m.path("command_tag"))) {
       if (auto it = tags_.find(*tagName); it != tags_.end()) {
-        r.commandTag = it->second->name;
-        r.commandTagId = it->second->id;
+        r.commandTag = it->first;
+        r.commandTagId = it->second;
       } else {
         error(*t, m.path("command_tag"), fmt::format("command tag {} is not declared", quoteInput(*tagName)));
       }

@@ -42,8 +42,8 @@ namespace {
 
 }  // namespace
 
-std::string quoteInput(std::string_view input, std::size_t maxChars) {
-  std::string out = "\"";
+std::string printable(std::string_view input, std::size_t maxChars, bool quoted) {
+  std::string out = quoted ? "\"" : "";
   std::size_t chars = 0, i = 0;
   while (i < input.size() && chars < maxChars) {
     unsigned char const c = static_cast<unsigned char>(input[i]);
@@ -61,7 +61,7 @@ std::string quoteInput(std::string_view input, std::size_t maxChars) {
           out += fmt::format("\\x{:02x}", b);
         }
       }
-    } else if (c == '"' || c == '\\') {
+    } else if (quoted && (c == '"' || c == '\\')) {
       out += '\\';
       out += char(c);
     } else {
@@ -70,10 +70,12 @@ std::string quoteInput(std::string_view input, std::size_t maxChars) {
     i += width;
     ++chars;
   }
-  out += '"';
+  if (quoted) out += '"';
   if (i < input.size()) out += "...";
   return out;
 }
+
+std::string quoteInput(std::string_view input, std::size_t maxChars) { return printable(input, maxChars, true); }
 
 std::optional<std::size_t> invalidUtf8At(std::string_view text) noexcept {
   std::size_t i = 0;

@@ -16,6 +16,9 @@ namespace Host {
 // characters of the input with "..." after the closing quote.
 inline constexpr std::size_t kQuoteChars = 60;
 [[nodiscard]] std::string quoteInput(std::string_view input, std::size_t maxChars = kQuoteChars);
+// The same without the quotes (a message of another reader that may hold input): escaped, cut
+// after `maxChars` characters with "...".
+[[nodiscard]] std::string printable(std::string_view input, std::size_t maxChars, bool quoted = false);
 
 // The offset of the first byte that does not start a well-formed UTF-8 sequence (overlong forms,
 // surrogates and code points past U+10FFFF are not), or nothing when the whole text is UTF-8.

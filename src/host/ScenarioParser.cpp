@@ -77,7 +77,7 @@ ScenarioParse Reader::run(std::string_view yaml) {
     MemoryStream in(yaml);
     root = YAML::Load(in);
   } catch (YAML::Exception const& e) {
-    return fail(e.mark.is_null() ? 0 : e.mark.line + 1, e.msg);
+    return fail(e.mark.is_null() ? 0 : e.mark.line + 1, printable(e.msg, 200));
   }
   sc_.path = file_;
   if (root.IsNull()) return fail(0, "the scenario is empty");

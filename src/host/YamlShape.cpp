@@ -9,6 +9,8 @@
 
 #include <fmt/format.h>
 
+#include "host/InputText.h"
+
 namespace Host {
 
 namespace {
@@ -116,7 +118,7 @@ YamlShape yamlShape(std::string_view text, YamlLimits const& limits) {
   } catch (Stop const&) {
   } catch (YAML::Exception const& e) {
     shape.errorLine = e.mark.is_null() ? 0 : e.mark.line + 1;
-    shape.error = e.msg;
+    shape.error = printable(e.msg, 200);
   }
   return shape;
 }

@@ -31,6 +31,9 @@ TEST(InputTextTest, QuotesEscapeAndCut) {
   EXPECT_EQ(quoteInput("caf\xc3\xa9 \xff\xfe"), "\"caf\xc3\xa9 \\xff\\xfe\"");  // UTF-8 kept, the rest escaped
   EXPECT_EQ(quoteInput("x\xc2\x85y"), "\"x\\xc2\\x85y\"");                      // a C1 control
   EXPECT_EQ(quoteInput(std::string(100, 'a')), "\"" + std::string(60, 'a') + "\"...");
+  // Unquoted, for another reader's message that may hold input: quotes stay as they are.
+  EXPECT_EQ(Host::printable("bad \"\x1b[2J\" here", 100), "bad \"\\x1b[2J\" here");
+  EXPECT_EQ(Host::printable("abcdef", 3), "abc...");
   // The cut counts characters, not bytes, and never splits one.
   std::string snowmen;
   for (int i = 0; i < 5; ++i) snowmen += "\xe2\x98\x83";

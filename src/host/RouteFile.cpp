@@ -138,8 +138,8 @@ bool RouteFile::scanLine(std::string_view line, std::string const& name) {
     return false;
   }
   auto intfOf = [&](std::string_view field) -> std::optional<Ondex::IntfId> {
-    auto intf = field.size() <= Ondex::IntfId::maxLength() && !invalidUtf8At(field) ? Ondex::IntfId::fromString(field)
-                                                                                    : std::nullopt;
+    // A name as the scenario file takes one (UTF-8, no control characters), then as the library does.
+    auto intf = nameProblem(field, Ondex::IntfId::maxLength()) ? std::nullopt : Ondex::IntfId::fromString(field);
     if (!intf) error(name, lines_, fmt::format("{} is not an interface name", quoteInput(field)));
     return intf;
   };

@@ -218,11 +218,15 @@ TEST(RouteFileTest, BinaryInputIsRefusedAndQuotedEscaped) {
       "198.51.100.0/24 Eth\xff\n"  // not UTF-8
       "\x1b[31m/24 drop\n"         // a terminal escape
       "198.51.100.0/24 drop " +
-          std::string(5000, '9') + "\n",  // a huge field
+          std::string(5000, '9') +
+          "\n"  // a huge field
+          "198.51.100.0/24 Eth\xc2\x9b"
+          "1\n",  // a C1 control character
       "e");
   EXPECT_EQ(errorTexts(rf), (std::vector<std::string>{
                                 "e:1: \"Eth\\xff\" is not an interface name", "e:2: \"\\x1b[31m/24\" is not a prefix",
-                                "e:3: \"" + std::string(60, '9') + "\"... is not a preference (1..255)"}));
+                                "e:3: \"" + std::string(60, '9') + "\"... is not a preference (1..255)",
+                                "e:4: \"Eth\\xc2\\x9b1\" is not an interface name"}));
 }
 
 }  // namespace

@@ -239,7 +239,8 @@ class Reader {
   // Declared names, for lookups in files of many routes.
   std::set<Ondex::IntfId> interfaces_;
   std::map<std::string, std::uint16_t, std::less<>> tags_;  // command tags by name, to their ids
-  std::set<std::string> vrfsNow_;  // the VRFs that exist at the point being read
+  // The VRFs that exist at the point being read, and their ids.
+  std::set<std::string> vrfsNow_;
   std::map<std::string, std::uint32_t, std::less<>> vrfIdsByName_;
   std::set<std::uint32_t> vrfIdsNow_;
   // The routes of the start (routes and injected); the steps' changes over them and over the

@@ -1,10 +1,19 @@
 #include "host/Runner.h"
 
+#include <unistd.h>
+
+#include <algorithm>
 #include <chrono>
+#include <csignal>
+#include <cstring>
+#include <iterator>
+#include <string_view>
+#include <variant>
 #include <memory>
 #include <sstream>
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include "foundations/runtime/TaskScheduler.h"
 
@@ -24,6 +33,13 @@ std::string text(auto const& value) {
   std::ostringstream os;
   os << value;
   return os.str();
+}
+
+// Communities as AS:NN, the form a scenario gives them in.
+std::string communitiesText(std::vector<std::uint32_t> const& communities) {
+  std::string out;
+  for (std::uint32_t c : communities) out += fmt::format("{}{}:{}", out.empty() ? "" : ",", c >> 16, c & 0xffff);
+  return out;
 }
 
 std::string weightText(float w) { return fmt::format("{:g}", w); }
@@ -47,15 +63,18 @@ std::string showText(ShowView const& view) {
         if (r.flags) out += fmt::format(" flags {:#x}", unsigned(r.flags));
         if (r.viaSetFlags) out += fmt::format(" set-flags {:#x}", unsigned(r.viaSetFlags));
         if (r.fecType) out += fmt::format(" fec {}", unsigned(r.fecType));
+        if (r.tag) out += fmt::format(" tag {}", r.tag);
+        if (!r.communities.empty()) out += " communities " + communitiesText(r.communities);
+        if (r.stale) out += " (stale)";
         out += "\n";
         for (auto const& v : r.vias) {
           out += "      via";
-          if (v.nextHop.af().isSet()) out += " " + text(v.nextHop);
-          if (!v.intf.empty()) out += " " + text(v.intf);
+          if (v.nextHop.af().isSet()) out += fmt::format(" {}", text(v.nextHop));
+          if (!v.intf.empty()) out += fmt::format(" {}", text(v.intf));
           if (!v.nextHop.af().isSet() && v.intf.empty()) out += " cpu";
           if (!v.vrf.view().empty() && std::string(v.vrf.view()) != vrf.name)
             out += fmt::format(" vrf {}", v.vrf.view());
-          if (v.weight != 0) out += " weight " + weightText(v.weight);
+          if (v.weight != 0) out += fmt::format(" weight {}", weightText(v.weight));
           if (v.label) out += fmt::format(" label {}", *v.label);
           if (v.vni) out += fmt::format(" vni {}", *v.vni);
           if (!v.resolved) out += " (unresolved)";
@@ -97,6 +116,9 @@ nlohmann::json showJson(ShowView const& view) {
                           {"flags", r.flags},
                           {"viaSetFlags", r.viaSetFlags},
                           {"fecType", r.fecType},
+                          {"tag", r.tag},
+                          {"communities", r.communities},
+                          {"stale", r.stale},
                           {"vias", std::move(vias)}});
       }
       families[kFamilyNames[f]] = std::move(routes);
@@ -111,52 +133,127 @@ nlohmann::json showJson(ShowView const& view) {
   return {{"label", view.label}, {"vrfs", std::move(vrfs)}};
 }
 
+namespace {
+
+// What the run is doing, kept where an abort handler can print it without allocating.
+char gContext[256] = "the start";
+
+void contextIs(std::string_view text) {
+  std::size_t const n = std::min(text.size(), sizeof(gContext) - 1);
+  std::memcpy(gContext, text.data(), n);
+  gContext[n] = '\0';
+}
+
+extern "C" void reportAbort(int) {
+  // Only async-signal-safe calls: the message, then the default action.
+  constexpr char kHead[] = "bowline: aborted during ";
+  (void)!::write(STDERR_FILENO, kHead, sizeof(kHead) - 1);
+  (void)!::write(STDERR_FILENO, gContext, std::strlen(gContext));
+  (void)!::write(STDERR_FILENO, "\n", 1);
+  std::signal(SIGABRT, SIG_DFL);
+  std::raise(SIGABRT);
+}
+
+constexpr char const* kStepNames[] = {"route", "global", "vrf", "interface", "bfd",
+                                      "rib",   "command_tag", "restart", "show", "settle"};
+static_assert(std::size(kStepNames) == std::variant_size_v<Step::Kind>);
+
+// Shows printed one at a time: text as it comes, JSON as the members of one document's "shows"
+// array, each flushed so that a run that stops later keeps what it printed.
+class ShowPrinter {
+ public:
+  ShowPrinter(std::ostream& out, bool json) : out_(out), json_(json) {
+    if (json_) out_ << "{\n  \"shows\": [";
+  }
+  void print(ShowView const& view) {
+    if (!json_) {
+      out_ << showText(view);
+    } else {
+      out_ << (count_ == 0 ? "\n" : ",\n") << indented(jsonText(showJson(view)), "    ");
+    }
+    ++count_;
+    out_.flush();
+  }
+  void finish() {
+    if (json_) out_ << (count_ == 0 ? "]" : "\n  ]") << "\n}\n";
+    out_.flush();
+  }
+
+ private:
+  static std::string indented(std::string const& text, std::string_view prefix) {
+    std::string out(prefix);
+    for (char c : text) {
+      out += c;
+      if (c == '\n') out += prefix;
+    }
+    return out;
+  }
+  std::ostream& out_;
+  bool json_;
+  std::size_t count_ = 0;
+};
+
+}  // namespace
+
+std::string jsonText(nlohmann::json const& doc) {
+  // Names are checked as UTF-8 when the scenario is read; a stray byte still never throws here.
+  return doc.dump(2, ' ', false, nlohmann::json::error_handler_t::replace);
+}
+
+void installAbortReport() { std::signal(SIGABRT, reportAbort); }
+
+std::string stepText(Step const& step, std::size_t index) {
+  return fmt::format("step {} ({}, line {})", index + 1, kStepNames[step.kind.index()], step.line);
+}
+
 int runScenario(Scenario const& scenario, RunOptions const& options, std::ostream& out, std::ostream& err) {
   auto* scheduler = Halyard::TaskSchedulerRoot::findOrCreateScheduler();
-  nlohmann::json shows = nlohmann::json::array();
   double converge = 0;
   double output = 0;
   std::size_t routes = 0;
+  int status = 0;
+  ShowPrinter printer(out, options.json);
   auto owned = std::make_unique<Switch>(scenario, scheduler);
-  {
-    Switch& sw = *owned;
+  Switch& sw = *owned;
+  auto emit = [&](std::string const& label, std::string const& vrf) {
+    auto const t1 = std::chrono::steady_clock::now();
+    printer.print(sw.view(label, vrf));
+    output += secondsSince(t1);
+  };
+  try {
+    contextIs("the start");
     auto t0 = std::chrono::steady_clock::now();
     sw.start();
     sw.settle();
     converge += secondsSince(t0);
-    auto emit = [&](std::string const& label, std::string const& vrf) {
-      auto const t1 = std::chrono::steady_clock::now();
-      ShowView const view = sw.view(label, vrf);
-      if (options.json)
-        shows.push_back(showJson(view));
-      else
-        out << showText(view);
-      output += secondsSince(t1);
-    };
     bool shown = false;
-    for (auto const& step : scenario.steps) {
+    for (std::size_t i = 0; i < scenario.steps.size(); ++i) {
+      Step const& step = scenario.steps[i];
+      contextIs(stepText(step, i));
+      auto const t1 = std::chrono::steady_clock::now();
       if (auto const* show = std::get_if<ShowStep>(&step.kind)) {
-        auto const t1 = std::chrono::steady_clock::now();
         sw.settle();
         converge += secondsSince(t1);
         emit(show->label, show->vrf);
         shown = true;
         continue;
       }
-      auto const t1 = std::chrono::steady_clock::now();
       sw.apply(step);
       converge += secondsSince(t1);
     }
     // A scenario without a show prints the RIB it ends with.
+    contextIs("the end");
     if (!shown) {
       sw.settle();
       emit("end", "");
     }
     routes = sw.routeCount();
-    auto const t2 = std::chrono::steady_clock::now();
-    if (options.json) out << nlohmann::json({{"shows", std::move(shows)}}).dump(2) << "\n";
-    output += secondsSince(t2);
+  } catch (std::exception const& e) {
+    err << fmt::format("{}: {}: {}\n", scenario.path, gContext, e.what());
+    status = kExitRunStopped;
   }
+  printer.finish();
+  contextIs("the teardown");
   if (options.keepAtExit)
     (void)owned.release();  // NOLINT: deliberately left to the process's exit
   else
@@ -165,7 +262,7 @@ int runScenario(Scenario const& scenario, RunOptions const& options, std::ostrea
     err << fmt::format("stats: load {:.3f} s, converge {:.3f} s, output {:.3f} s, routes installed {}\n",
                        options.loadSeconds, converge, output, routes);
   }
-  return 0;
+  return status;
 }
 
 }  // namespace Host

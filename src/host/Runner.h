@@ -1,6 +1,6 @@
 // Host::Runner: runs one scenario on a Switch: the start, then each step in order, settling the
-// scheduler before each show, and prints each show as text (as it comes) or, with json, one JSON
-// document at the end. With stats it times the phases (load is the caller's: it parsed the file)
+// scheduler before each show, and prints each show as it comes, as text or as a member of one JSON
+// document. With stats it times the phases (load is the caller's: it parsed the file)
 // and writes them to the error stream. Owns the Switch for the run; the program and the golden
 // tests call it.
 #pragma once
@@ -29,7 +29,19 @@ struct RunOptions {
 // The same as JSON; the schema is in docs/scenario.md.
 [[nodiscard]] nlohmann::json showJson(ShowView const& view);
 
-// Runs the scenario; returns the program's exit status (0).
+// The program's exit status when a run stops on an error (a scenario that does not settle).
+inline constexpr int kExitRunStopped = 3;
+
+// The JSON text of a document as the program prints it (indented by two; never throws).
+[[nodiscard]] std::string jsonText(nlohmann::json const& doc);
+// "step 3 (interface, line 21)": how errors and abort reports name a step (index from 0).
+[[nodiscard]] std::string stepText(Step const& step, std::size_t index);
+// Makes an abort of the process say which step of the run it was in (for the program, not tests).
+void installAbortReport();
+
+// Runs the scenario, printing each show as it comes (flushed). Returns 0, or kExitRunStopped when a
+// step failed or the switch did not settle: the error, naming the step, goes to `err`, and what was
+// printed before stays printed (a JSON document is closed).
 int runScenario(Scenario const& scenario, RunOptions const& options, std::ostream& out, std::ostream& err);
 
 }  // namespace Host

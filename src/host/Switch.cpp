@@ -1,6 +1,7 @@
 #include "host/Switch.h"
 
 #include <algorithm>
+#include <stdexcept>
 #include <variant>
 
 #include "foundations/rib/RibTypeFactories.h"
@@ -48,7 +49,8 @@ Switch::Switch(Scenario const& scenario, Halyard::TaskScheduler* scheduler)
       tagStatus_(ConfigTag::ConfigTagStatus::ConfigTagStatusIs()),
       tagIds_(ConfigTag::ConfigTagIdState::ConfigTagIdStateIs()),
       tagged_(Routing::VrfRouteListTaggedConfig::VrfRouteListTaggedConfigIs()),
-      taggedDynamic_(Routing::VrfRouteListTaggedConfig::VrfRouteListTaggedConfigIs()) {
+      taggedDynamic_(Routing::VrfRouteListTaggedConfig::VrfRouteListTaggedConfigIs()),
+      igpResults_(Routing::Bgp::IgpResultTable::IgpResultTableIs()) {
   // The records of the other agents, where the routing agent mounts them.
   Routing::Rib::ribTypeFactoriesIs(shmem_);
   em_.entityIs(Cell::path("vrf/vrfNameStatus").view(), vrfAgent_->nameStatus());
@@ -72,7 +74,48 @@ Switch::~Switch() {
   settle();
 }
 
-void Switch::settle() { scheduler_->runUntilIdle(); }
+void Switch::settle() {
+  scheduler_->runUntilIdle();
+  if (!held_.empty()) doReleaseHeldRoutes();
+  // The RIB froze a via whose report would flip for ever: the scenario does not settle.
+  if (rib_) {
+    if (auto const oscillation = rib_->oscillation()) throw std::runtime_error(oscillation->text());
+  }
+}
+
+bool Switch::configuredWith(Platform::RibAgent::VrfId vrfId, Ondex::IpGenAddr const& nextHop,
+                            Ondex::IpGenPrefix const& prefix) const {
+  auto const it = vrfs_.find(std::string(vrfAgent_->vrfName(vrfId).view()));
+  if (it == vrfs_.end()) return false;
+  int const f = familyOf(prefix);
+  auto hasHop = [&](Routing::RouteList const& list) {
+    for (unsigned pref = 1; pref <= 255; ++pref) {
+      auto const route = list.route(Routing::RouteKey(prefix, Routing::RoutePreference(std::uint8_t(pref))));
+      if (!route) continue;
+      for (auto via = route->viaIteratorConst(); via; via.advance()) {
+        if (via.key().hop() == nextHop) return true;
+      }
+    }
+    return false;
+  };
+  VrfRecords const& r = it->second;
+  if (hasHop(*r.config[f]) || hasHop(*r.dynamic[f])) return true;
+  for (auto const& [user, input] : r.users[f]) {
+    if (hasHop(*input)) return true;
+  }
+  return false;
+}
+
+void Switch::doReleaseHeldRoutes() {
+  if (!agent_) return;
+  for (auto const& [name, id] : vrfAgent_->vrfs()) {
+    auto const status = agent_->allVrfReadyStatus()->vrfReadyStatus(name);
+    if (!status) continue;
+    std::string const vrf(name.view());
+    if (status->v4RoutesReady()) held_.release(vrf, 0);
+    if (status->v6RoutesReady()) held_.release(vrf, 1);
+  }
+}
 
 std::size_t Switch::routeCount() const {
   std::size_t n = 0;
@@ -147,6 +190,7 @@ void Switch::doStartAgents(bool gracefulRestart) {
   env.mpls = mpls_;
   env.configTagStatus = tagStatus_;
   env.configTagIdState = tagIds_;
+  env.igpResultTable = igpResults_;
   env.gracefulRestart = gracefulRestart;
   agent_ = std::make_unique<RoutingAgent>(env);
 
@@ -166,7 +210,10 @@ void Switch::doStartAgents(bool gracefulRestart) {
   in.loopingRouteStatusByVrf4 = looping4_;
   in.loopingRouteStatusByVrf6 = looping6_;
   in.scheduler = scheduler_;
+  in.configuredWith = [this](Platform::RibAgent::VrfId vrfId, Ondex::IpGenAddr const& nextHop,
+                             Ondex::IpGenPrefix const& prefix) { return configuredWith(vrfId, nextHop, prefix); };
   rib_ = Platform::RibAgent::RibAgentIs(in);
+  for (auto const& [key, step] : overrides_) doOverride(step);
   // The RIB's per-VRF tables exist before the containers that read them are built.
   settle();
   for (auto const& [name, records] : vrfs_) doBuildContainers(name);
@@ -208,13 +255,38 @@ void Switch::doHandshakeRound() {
 }
 
 void Switch::restart(bool gracefulRestart) {
+  agentStop(gracefulRestart);
+  agentStart(gracefulRestart);
+}
+
+void Switch::agentStop(bool gracefulRestart) {
+  if (gracefulRestart) {
+    // The RIB holds what it forwards on now, until the agent is back and has reconciled it.
+    ShowView const now = view("", "");
+    for (auto const& vrf : now.vrfs) {
+      for (int f = 0; f < 2; ++f) held_.holdIs(vrf.name, f, vrf.routes[f]);
+    }
+  }
   rib_ = nullptr;
   agent_.reset();
   settle();
+}
+
+void Switch::agentStart(bool gracefulRestart) {
   doStartAgents(gracefulRestart);
   if (gracefulRestart && scenario_.global.startReadyVerification) agent_->startReadyVerificationIs(true);
   settle();
   doHandshakeRound();
+}
+
+void Switch::doOverride(RibStep const& s) {
+  L3::VrfName const vrf(s.vrf);
+  if (s.kind == RibOverrideKind::resolved)
+    rib_->overrideResolvedIs(vrf, s.nexthop, s.intf, s.metric);
+  else if (s.kind == RibOverrideKind::unresolved)
+    rib_->overrideUnresolvedIs(vrf, s.nexthop, s.intf);
+  else
+    (void)rib_->overrideDel(vrf, s.nexthop, s.intf);
 }
 
 // ---- Configuration records.
@@ -288,6 +360,7 @@ Routing::RouteInput& Switch::userOf(std::string const& vrf, std::string const& u
 }
 
 void Switch::routeIs(RouteStep const& step) {
+  if (rib_) rib_->configurationChangedIs(L3::VrfName(step.route.vrf));
   int const f = familyOf(step.route.prefix);
   if (step.user.empty()) {
     VrfRecords& r = recordsOf(step.route.vrf);
@@ -324,12 +397,15 @@ void Switch::vrfIs(Vrf const& vrf) {
 }
 
 void Switch::vrfDel(std::string const& name) {
+  held_.releaseVrf(name);
   agent_->vrfDel(L3::VrfName(name));
   vrfAgent_->vrfDel(L3::VrfName(name));
   vrfs_.erase(name);
 }
 
 void Switch::apply(Step const& step) {
+  // Each step starts the RIB's count of flips afresh.
+  if (rib_) rib_->epochIs();
   std::visit(
       [&](auto const& s) {
         using S = std::decay_t<decltype(s)>;
@@ -357,13 +433,12 @@ void Switch::apply(Step const& step) {
         } else if constexpr (std::is_same_v<S, BfdStep>) {
           bfdAgent_->sessionStateIs(L3::VrfName(s.session.vrf), s.session.peer, bfdStateOf(s.session.state));
         } else if constexpr (std::is_same_v<S, RibStep>) {
-          L3::VrfName const vrf(s.vrf);
-          if (s.kind == RibOverrideKind::resolved)
-            rib_->overrideResolvedIs(vrf, s.nexthop, s.intf, s.metric);
-          else if (s.kind == RibOverrideKind::unresolved)
-            rib_->overrideUnresolvedIs(vrf, s.nexthop, s.intf);
+          auto const key = std::make_tuple(s.vrf, s.nexthop, s.intf);
+          if (s.kind == RibOverrideKind::clear)
+            overrides_.erase(key);
           else
-            (void)rib_->overrideDel(vrf, s.nexthop, s.intf);
+            overrides_[key] = s;
+          doOverride(s);
         } else if constexpr (std::is_same_v<S, CommandTagStep>) {
           commandTagIs(s.name, s.enabled);
         } else if constexpr (std::is_same_v<S, RestartStep>) {
@@ -378,7 +453,7 @@ void Switch::apply(Step const& step) {
 ShowView Switch::view(std::string const& label, std::string const& vrfFilter) const {
   ShowView out;
   out.label = label;
-  Platform::RibReadout const readout(rib_);
+  Platform::RibReadout const readout(rib_, igpResults_);
   auto const& staticRoot = agent_->root(RoutingProtocol::staticConfig());
   auto vrfs = vrfAgent_->vrfs();
   std::stable_partition(vrfs.begin(), vrfs.end(), [](auto const& v) { return v.first == L3::VrfName("default"); });
@@ -387,7 +462,7 @@ ShowView Switch::view(std::string const& label, std::string const& vrfFilter) co
     VrfView v;
     v.name = std::string(name.view());
     v.id = id.value();
-    for (int f = 0; f < 2; ++f) v.routes[f] = readout.routes(name, kFamilies[f]);
+    for (int f = 0; f < 2; ++f) v.routes[f] = held_.merged(v.name, f, readout.routes(name, kFamilies[f]));
     v.ready[0] = staticRoot->readyVrfIpv4Has(name);
     v.ready[1] = staticRoot->readyVrfIpv6Has(name);
     if (auto const status = agent_->allVrfReadyStatus()->vrfReadyStatus(name)) {

@@ -9,10 +9,12 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "foundations/records/ConfigTag.h"
 #include "foundations/records/RouteInput.h"
+#include "host/HeldRoutes.h"
 #include "host/RoutingAgent.h"
 #include "host/Scenario.h"
 #include "platform/BfdAgent.h"
@@ -53,8 +55,14 @@ class Switch {
   void apply(Step const& step);
   [[nodiscard]] ShowView view(std::string const& label, std::string const& vrfFilter) const;
   // The agent restart: every state machine of the routing agent goes and is built again on the
-  // same records; the RIB asks each VRF for a new handshake round.
+  // same records; the RIB asks each VRF for a new handshake round. The same as agentStop() then
+  // agentStart(gracefulRestart); between the two a test can change the configuration the agent
+  // will find when it comes back.
   void restart(bool gracefulRestart);
+  // The routing agent stops as a process does: its state machines go, what it wrote to the RIB's
+  // tables stays (the RIB agent's view of it goes with the agent's tables' readers).
+  void agentStop(bool gracefulRestart = false);
+  void agentStart(bool gracefulRestart);
 
   [[nodiscard]] RoutingAgent const& agent() const { return *agent_; }
   [[nodiscard]] std::size_t routeCount() const;
@@ -89,6 +97,13 @@ class Switch {
   void doBuildContainers(std::string const& vrf);
   void doStartAgents(bool gracefulRestart);
   void doHandshakeRound();
+  void doOverride(RibStep const& step);
+  // Whether a route of `prefix` in the VRF is configured (static, dynamic or injected, any
+  // preference) with next hop `nextHop`: the RIB never resolves that next hop through that prefix.
+  [[nodiscard]] bool configuredWith(Platform::RibAgent::VrfId vrfId, Ondex::IpGenAddr const& nextHop,
+                                    Ondex::IpGenPrefix const& prefix) const;
+  // Lets go of the held routes of each VRF and family the restarted agent has declared ready.
+  void doReleaseHeldRoutes();
 
   Scenario const& scenario_;
   Halyard::TaskScheduler* scheduler_;
@@ -107,6 +122,13 @@ class Switch {
   // The command-tag indexes of the static and the dynamic lists, of every VRF.
   Quill::Ptr<Routing::VrfRouteListTaggedConfig> tagged_;
   Quill::Ptr<Routing::VrfRouteListTaggedConfig> taggedDynamic_;
+  // The RIB's table of redistribution results (tags and communities of route-input routes).
+  Quill::Ptr<Routing::Bgp::IgpResultTable> igpResults_;
+  // The scenario's overrides of the RIB's reports, by (VRF, next hop, interface): the RIB agent's
+  // state, which outlives a restart of the routing agent.
+  std::map<std::tuple<std::string, Ondex::IpGenAddr, Ondex::IntfId>, RibStep> overrides_;
+  // What the RIB keeps of an agent that restarts gracefully, until the agent has reconciled it.
+  HeldRoutes held_;
   std::map<std::string, VrfRecords> vrfs_;
   bool gracefulRestart_ = false;
   std::uint32_t seq_ = 0;

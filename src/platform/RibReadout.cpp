@@ -24,6 +24,19 @@ RibReadout::InstalledVia RibReadout::viaOf(Routing::Rib::ViaKey const& key) cons
   return out;
 }
 
+void RibReadout::tagsOf(Routing::Rib::Route::Body const& body, InstalledRoute& route) const {
+  if (body.routingProtocol != Routing::Rib::RoutingProtocol::staticConfig()) {
+    route.tag = body.tagOrResultId;
+    return;
+  }
+  // A static route names its redistribution result (tag and communities); 0 is none.
+  if (body.tagOrResultId == 0 || !igpResults_ || !igpResults_->igpResultHas(body.tagOrResultId)) return;
+  Routing::Bgp::IgpResult const result = igpResults_->igpResult(body.tagOrResultId);
+  route.tag = result.tag();
+  for (std::uint32_t i = 0; i < result.communityCount(); ++i)
+    route.communities.push_back(result.community(Routing::IgpRedistribute::CommunityIndex(i)));
+}
+
 std::vector<RibReadout::InstalledRoute> RibReadout::routes(L3::VrfName const& vrf, Ondex::AddressFamily af) const {
   std::vector<InstalledRoute> out;
   auto const& vrfs = agent_->inputs().vrfAgent;
@@ -42,6 +55,7 @@ std::vector<RibReadout::InstalledRoute> RibReadout::routes(L3::VrfName const& vr
       r.preference = body.metricPref.preference();
       r.metric = body.metricPref.metric();
       r.flags = body.flags;
+      tagsOf(body, r);
       if (auto const* set = coll ? coll->viaSetColl().find(body.viaSetKey) : nullptr) {
         r.viaSetFlags = set->flags();
         r.fecType = set->fecType();

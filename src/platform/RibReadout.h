@@ -1,6 +1,7 @@
 // Platform::RibReadout: the installed routes of one VRF and family as plain values, for the host to
 // print as text or JSON: per route its prefix, protocol, preference, metric, flags, via-set flags
-// and FEC type, and its vias (next hop, interface, VRF, weight, label, VNI for an EVPN via) with the
+// and FEC type, its tag and communities (a static route carries them as a redistribution result of
+// the result table, which the readout resolves when it is given the table), and its vias (next hop, interface, VRF, weight, label, VNI for an EVPN via) with the
 // RIB stand-in's verdict on each. It reads the RIB stand-in's route, via-set and via tables and the
 // VRF agent's names; it writes nothing and owns nothing but its reference to the agent.
 //
@@ -12,6 +13,7 @@
 #include <optional>
 #include <vector>
 
+#include "foundations/rib/IgpResultTable.h"
 #include "platform/RibAgent.h"
 
 namespace Platform {
@@ -36,11 +38,17 @@ class RibReadout {
     std::uint8_t flags = 0;
     std::uint8_t viaSetFlags = 0;
     std::uint8_t fecType = 0;
+    std::uint32_t tag = 0;
+    std::vector<std::uint32_t> communities;
     std::vector<InstalledVia> vias;
+    // Held by the RIB for an agent that restarts gracefully, not written again yet.
+    bool stale = false;
     friend bool operator==(InstalledRoute const&, InstalledRoute const&) = default;
   };
 
-  explicit RibReadout(Quill::Ptr<RibAgent const> agent) : agent_(std::move(agent)) {}
+  explicit RibReadout(Quill::Ptr<RibAgent const> agent,
+                      Quill::Ptr<Routing::Bgp::IgpResultTable const> igpResults = nullptr)
+      : agent_(std::move(agent)), igpResults_(std::move(igpResults)) {}
 
   // The routes of the VRF (by name) and family; empty when the VRF has no id.
   [[nodiscard]] std::vector<InstalledRoute> routes(L3::VrfName const& vrf, Ondex::AddressFamily af) const;
@@ -48,7 +56,10 @@ class RibReadout {
  private:
   [[nodiscard]] InstalledVia viaOf(Routing::Rib::ViaKey const& key) const;
 
+  void tagsOf(Routing::Rib::Route::Body const& body, InstalledRoute& route) const;
+
   Quill::Ptr<RibAgent const> agent_;
+  Quill::Ptr<Routing::Bgp::IgpResultTable const> igpResults_;
 };
 
 }  // namespace Platform

@@ -98,5 +98,80 @@ TEST_F(GoldenTest, AgentRestartEndsWithTheSameRibAndNothingStale) {
   }
 }
 
+TEST_F(GoldenTest, GracefulRestartHoldsRoutesUntilReconciledThenDropsOnlyTheStale) {
+  auto parse = Host::parseScenario((kGoldenDir / "restart.yaml").string());
+  ASSERT_TRUE(parse.ok()) << parse.errorText();
+  Host::Switch sw(*parse.scenario, scheduler());
+  sw.start();
+  sw.settle();
+  auto routeLines = [&] {
+    std::string out;
+    std::istringstream in(Host::showText(sw.view("", "")));
+    for (std::string line; std::getline(in, line);) {
+      if (line.rfind("    ", 0) == 0 && line.rfind("      ", 0) != 0) out += line + "\n";
+    }
+    return out;
+  };
+  std::string const before = routeLines();
+  ASSERT_NE(before.find("10.20.0.0/16 static"), std::string::npos) << before;
+
+  // 1. The agent goes down; while it is away 10.20.0.0/16 is removed from the configuration.
+  sw.agentStop(true);
+  Host::RouteStep remove;
+  remove.op = Host::RouteOp::remove;
+  remove.route.prefix = *Ondex::IpGenPrefix::fromString("10.20.0.0/16");
+  remove.route.preference = 200;
+  sw.apply(Host::Step{remove, 0});
+  sw.agentStart(true);
+  sw.settle();
+  // 2. Back, waiting for verification: everything it had installed is still forwarded on, as stale.
+  std::string held = routeLines();
+  EXPECT_NE(held.find("10.20.0.0/16 static pref 200 metric 0 (stale)"), std::string::npos) << held;
+  for (auto pos = held.find(" (stale)"); pos != std::string::npos; pos = held.find(" (stale)")) held.erase(pos, 8);
+  EXPECT_EQ(held, before) << "the RIB holds exactly what was installed";
+
+  // 3. Verification: the agent writes its routes again; only the removed one goes.
+  sw.apply(Host::Step{Host::GlobalStep{{}, {}, {}, true}, 0});
+  sw.settle();
+  std::string const after = routeLines();
+  EXPECT_EQ(after.find("(stale)"), std::string::npos) << after;
+  EXPECT_EQ(after.find("10.20.0.0/16"), std::string::npos) << after;
+  std::string expected = before;
+  expected.erase(expected.find("    10.20.0.0/16"), before.find('\n', before.find("    10.20.0.0/16")) -
+                                                       expected.find("    10.20.0.0/16") + 1);
+  EXPECT_EQ(after, expected);
+}
+
+TEST_F(GoldenTest, ARunThatDoesNotSettleStopsNamingTheRouteAndTheVia) {
+  // 192.0.2.0/24 is reached through 198.51.100.0/24 and the other way round, with a floating route
+  // that lets each resolve in turn: the RIB would flip the two vias for ever.
+  auto parse = Host::ScenarioParser::parseText(
+      "interfaces: [{name: Ethernet1, addresses: [10.0.1.1/24]}]\n"
+      "routes:\n"
+      "  - {prefix: 192.0.2.0/24, vias: [{nexthop: 198.51.100.1}]}\n"
+      "  - {prefix: 192.0.2.0/24, preference: 200, vias: [{nexthop: 10.0.1.2}]}\n"
+      "steps:\n"
+      "  - show: before\n"
+      "  - add_route: {prefix: 198.51.100.0/24, vias: [{nexthop: 192.0.2.1}]}\n"
+      "  - show: never printed\n",
+      "loop.yaml", ".");
+  ASSERT_TRUE(parse.ok()) << parse.errorText();
+  for (bool json : {false, true}) {
+    std::ostringstream out;
+    std::ostringstream err;
+    Host::RunOptions options;
+    options.json = json;
+    EXPECT_EQ(Host::runScenario(*parse.scenario, options, out, err), Host::kExitRunStopped);
+    EXPECT_EQ(err.str(),
+              "loop.yaml: step 3 (show, line 8): route 198.51.100.0/24 in vrf default does not settle: via "
+              "198.51.100.1 flips between resolved and unresolved\n");
+    EXPECT_NE(out.str().find("before"), std::string::npos) << "the show before the failing step stays printed";
+    EXPECT_EQ(out.str().find("never printed"), std::string::npos);
+    if (json) {
+      EXPECT_TRUE(nlohmann::json::accept(out.str())) << "the JSON document is closed: " << out.str();
+    }
+  }
+}
+
 }  // namespace
 }  // namespace BowlineTest

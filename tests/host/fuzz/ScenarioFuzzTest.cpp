@@ -198,7 +198,7 @@ TEST(ScenarioFuzzTest, GeneratedScenariosNeverCrashHangOrDiffer) {
   std::uint64_t const count = envNumber("BOWLINE_FUZZ_COUNT", 300);
   ScenarioFuzzer fuzzer(o);
   for (std::uint64_t i = first; i < first + count; ++i) fuzzer.runCase(i);
-  std::cout << fuzzer.summary() << std::flush;
+  std::cout << fuzzer.distinctFailures() << fuzzer.summary() << std::flush;
   FuzzCounts const& n = fuzzer.counts();
   EXPECT_EQ(n.crashes, 0u);
   EXPECT_EQ(n.hangs, 0u);

@@ -5,7 +5,8 @@
 //     with exit 3 ("the run stopped on an error", counted as stopped) and a message on stderr; the
 //     two text runs print the same; the JSON parses and has one show per text show;
 //     then F with a show, a plain restart and a show appended ends with the same route lines in its
-//     last two shows (the handshake and readiness lines aside);
+//     last two shows (the handshake and readiness lines aside), unless the RIB before the restart
+//     was not whole (routes not ready or the handshake pending: a graceful restart not verified);
 //   - when check rejects: `bowline run F` exits 1 as well, without a crash.
 // A program killed by the watchdog is a hang. A scenario that fails is kept, with its route files,
 // the outputs and a why.txt, in the failure folder, and the log names the folder and the first lines
@@ -15,7 +16,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <ostream>
-#include <set>
+#include <map>
 #include <string>
 
 #include "host/fuzz/ScenarioGenerator.h"
@@ -45,6 +46,7 @@ struct FuzzCounts {
   std::uint64_t rejected = 0;
   std::uint64_t stopped = 0;
   std::uint64_t validRejected = 0;  // valid-mode scenarios check rejected (the generator's drift)
+  std::uint64_t restartSkipped = 0;  // the RIB before the restart was not whole (a graceful restart pending)
 };
 
 class ScenarioFuzzer {
@@ -56,18 +58,23 @@ class ScenarioFuzzer {
 
   // Generates and runs case `index` of the seed.
   void runCase(std::uint64_t index);
-  // Runs one scenario already generated; `name` names it in the log and the failure folder. Gives
-  // the categories of its failures ("crash", "hang", "nondeterministic", "restart-difference",
-  // "bad-json").
-  std::set<std::string> runScenario(GeneratedScenario const& s, std::string const& name);
+  // A scenario's failures: category ("crash", "hang", "nondeterministic", "restart-difference",
+  // "bad-json") -> what tells it from others of its category (a crash's assertion text).
+  using Failures = std::map<std::string, std::string>;
+
+  // Runs one scenario already generated; `name` names it in the log and the failure folder.
+  Failures runScenario(GeneratedScenario const& s, std::string const& name);
   // The same, counting, logging and keeping nothing, with `runs` text runs compared (a reducer's
-  // question: does it still fail?).
-  [[nodiscard]] std::set<std::string> probe(GeneratedScenario const& s, unsigned runs);
+  // question: does it still fail the same way?).
+  [[nodiscard]] Failures probe(GeneratedScenario const& s, unsigned runs);
 
   [[nodiscard]] FuzzCounts const& counts() const { return counts_; }
   // "fuzz: N scenarios run, crashes C, hangs H, nondeterministic outputs D, restart differences R"
   // and a second line with the other counts.
   [[nodiscard]] std::string summary() const;
+  // One line per distinct failure (a crash's assertion, or the category), with how often and where
+  // first.
+  [[nodiscard]] std::string distinctFailures() const;
 
  private:
   struct Case;
@@ -82,6 +89,7 @@ class ScenarioFuzzer {
   FuzzCounts counts_;
   std::filesystem::path work_;  // a temporary folder, removed at the end
   bool probing_ = false;
+  std::map<std::string, std::pair<std::uint64_t, std::string>> distinct_;  // signature -> count, first case
 };
 
 }  // namespace BowlineTest::Fuzz

@@ -92,6 +92,7 @@ std::optional<RouteFile::Found> RouteFile::find(Routing::RouteKey const& key) co
 }
 
 void RouteFile::scan(std::string_view text, std::string const& name) {
+  if (text.empty()) return;  // an empty file's text has no data pointer for memchr
   if (void const* nul = std::memchr(text.data(), '\0', text.size())) {
     std::size_t const at = std::size_t(static_cast<char const*>(nul) - text.data());
     error(name, std::size_t(std::count(text.begin(), text.begin() + std::ptrdiff_t(at), '\n')) + 1,

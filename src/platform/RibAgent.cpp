@@ -1,6 +1,7 @@
 #include "platform/RibAgent.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "foundations/runtime/Trace.h"
 
@@ -233,6 +234,7 @@ void RibAgent::doResolveTask() {
   }
   memo_.clear();
   inProgress_.clear();
+  visited_ = nullptr;
   connectedMemo_.clear();
   std::uint64_t work = 0;
   while (!dirty_.empty()) {
@@ -289,26 +291,32 @@ void RibAgent::doResolveVrf(VrfId vrfId) {
   }
   ++vrfResolutions_;
   TRACE(8, "Vrf: " << knownVrfs_[vrfId] << ", doResolveVrf " << vrfId);
-  for (auto const& table : in_.ipViaConfigs) {
-    // Vias of the VRF, then reports of vias the table no longer has.
-    std::vector<ViaKey> keys;
-    for (auto it = table->viaIteratorConst(); it; it.advance()) {
-      if (it.key().vrfId() == vrfId) keys.push_back(it.key());
-    }
-    doResolveVias(vrfId, keys, *table);
+  // Every via is resolved before any report is written: all of them see the same routes.
+  std::vector<std::pair<ViaKey, Result>> results;
+  for (auto const& table : in_.ipViaConfigs) doResolveVias(vrfId, false, *table, results);
+  if (vrfId.isDefault()) {
+    for (auto const& table : in_.evpnViaConfigs) doResolveVias(vrfId, true, *table, results);
   }
-  if (!vrfId.isDefault()) return;
-  for (auto const& table : in_.evpnViaConfigs) {
-    std::vector<ViaKey> keys;
-    for (auto it = table->viaIteratorConst(); it; it.advance()) keys.push_back(it.key());
-    doResolveVias(vrfId, keys, *table);
+  for (auto const& [key, r] : results) doWrite(key, r);
+  for (auto const& table : in_.ipViaConfigs) doDropStale(vrfId, *table);
+  if (vrfId.isDefault()) {
+    for (auto const& table : in_.evpnViaConfigs) doDropStale(vrfId, *table);
   }
 }
 
 template <class Table>
-void RibAgent::doResolveVias(VrfId vrfId, std::vector<ViaKey>& keys, Table const& table) {
+void RibAgent::doResolveVias(VrfId vrfId, bool anyVrf, Table const& table,
+                             std::vector<std::pair<ViaKey, Result>>& results) {
+  std::vector<ViaKey> keys;
+  for (auto it = table.viaIteratorConst(); it; it.advance()) {
+    if (anyVrf || it.key().vrfId() == vrfId) keys.push_back(it.key());
+  }
   std::sort(keys.begin(), keys.end());
-  for (ViaKey const& key : keys) doWrite(key, resolveViaKey(key));
+  for (ViaKey const& key : keys) results.emplace_back(key, resolveViaKey(key));
+}
+
+template <class Table>
+void RibAgent::doDropStale(VrfId vrfId, Table const& table) {
   auto leaf = viaMetricStatusByVrf_->leaf(vrfId, table.transport(), table.rp());
   if (!leaf) return;
   std::vector<ViaKey> stale;
@@ -323,23 +331,42 @@ void RibAgent::doResolveVias(VrfId vrfId, std::vector<ViaKey>& keys, Table const
 // ---------------------------------------------------------------------------------------------
 // Resolution.
 
+bool RibAgent::reusable(Walked const& w) const {
+  for (ViaKey const& v : w.visited) {
+    if (inProgress_.count(v) != w.leaned.count(v)) return false;
+  }
+  return true;
+}
+
 RibAgent::Result RibAgent::resolveViaKey(ViaKey const& key) {
-  if (auto it = memo_.find(key); it != memo_.end()) return it->second;
   if (inProgress_.count(key)) {
     TRACE(9, "resolveViaKey " << key << " loops");
+    if (visited_) visited_->insert(key);
     return unresolved(true);
   }
-  Result r;
+  if (auto it = memo_.find(key); it != memo_.end() && reusable(it->second)) {
+    if (visited_) visited_->insert(it->second.visited.begin(), it->second.visited.end());
+    return it->second.result;
+  }
+  Walked w;
+  w.visited.insert(key);
+  std::set<ViaKey>* const outer = std::exchange(visited_, &w.visited);
   inProgress_.insert(key);
   if (key.transport() == Transport::transportEvpn()) {
     auto const* via = evpnVia(key);
-    r = via ? resolveNextHop(VrfId::defaultVrf(), via->vtepAddr(), Ondex::IntfId(), false, key) : unresolved();
+    w.result = via ? resolveNextHop(VrfId::defaultVrf(), via->vtepAddr(), Ondex::IntfId(), false, key) : unresolved();
   } else {
     auto const* via = ipVia(key);
-    r = via ? resolveIpVia(key, *via) : unresolved();
+    w.result = via ? resolveIpVia(key, *via) : unresolved();
   }
   inProgress_.erase(key);
-  memo_.emplace(key, r);
+  visited_ = outer;
+  for (ViaKey const& v : w.visited) {
+    if (inProgress_.count(v)) w.leaned.insert(v);
+  }
+  if (visited_) visited_->insert(w.visited.begin(), w.visited.end());
+  Result const r = w.result;
+  memo_.insert_or_assign(key, std::move(w));
   return r;
 }
 

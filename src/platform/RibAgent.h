@@ -30,7 +30,10 @@
 //      drop/to-CPU, or when none of its vias resolves. A recursion that comes back to a via still
 //      being resolved counts that via as unresolved for that path.
 //   A via that finds nothing is reported unresolved (metric 0, preference 255), with `looping` set
-//   when a covering route was refused for serving the via or for a recursion loop.
+//   when a covering route was refused for serving the via or for a recursion loop. What a via gives
+//   is what a walk started from it gives, against the routes as they stand when its VRF is
+//   resolved: the order in which vias are resolved (their ids come in the order the library
+//   allocated them) never changes a report.
 // An EVPN via resolves as the next hop of its VTEP address in the default VRF would, and is reported
 // in (VRF 0, transport 3, its protocol). Vias of an id the VRF agent does not know are not reported.
 // The looping route tables exist per VRF and stay empty: loops show in the via reports.
@@ -48,7 +51,8 @@
 // Work: reactors only note the VRF ids touched (route keys, via keys, interface VRFs, overrides,
 // VRF changes, configuration changes, frozen vias released by a new epoch) and schedule
 // `resolveTask`; the task re-resolves every via of each noted VRF (the default VRF also re-resolves
-// the EVPN vias), one VRF per step, yielding between VRFs, and writes only reports that changed. A VRF whose routes use vias of another VRF is re-resolved with it.
+// the EVPN vias), one VRF per step, yielding between VRFs, and writes only reports that changed,
+// after all vias of the VRF are resolved. A VRF whose routes use vias of another VRF is re-resolved with it.
 //
 // Iteration: the nested machine maps are Zel::HashMap2018 with that map's contract; they only
 // note VRF ids. Vias are resolved and stale reports dropped in key order, so the order of writes
@@ -232,10 +236,13 @@ class RibAgent : public Zel::StateMachine<RibAgent> {
   // Brings the readiness tables in line with the VRF agent's VRFs.
   void doSyncVrfs();
   void doResolveVrf(VrfId vrfId);
-  // Resolves and reports the vias of `keys` (of `table`, in VRF vrfId), then drops the reports of
-  // vias the table no longer has.
+  // Resolves the vias of `table` in VRF vrfId (all of the table when `anyVrf`), in key order,
+  // adding them to `results`.
   template <class Table>
-  void doResolveVias(VrfId vrfId, std::vector<ViaKey>& keys, Table const& table);
+  void doResolveVias(VrfId vrfId, bool anyVrf, Table const& table, std::vector<std::pair<ViaKey, Result>>& results);
+  // Drops the reports of VRF vrfId that `table` no longer has a via for.
+  template <class Table>
+  void doDropStale(VrfId vrfId, Table const& table);
   void doWrite(ViaKey const& key, Result const& r);
   // Counts a flip of the via's report; false when that flip freezes it (an oscillation).
   bool flipIs(ViaKey const& key, Result const& r);
@@ -273,9 +280,21 @@ class RibAgent : public Zel::StateMachine<RibAgent> {
   std::map<OverrideKey, Result> overrides_;
   // The VRFs whose tables exist, by id.
   std::map<VrfId, L3::VrfName> knownVrfs_;
-  // One task run's memory: results so far, and the vias being resolved (a loop guard).
-  std::map<ViaKey, Result> memo_;
+  // One task run's memory. A via's result is that of a walk started from the via; a walk that
+  // reaches a via already on it (inProgress_, the loop guard) counts that path as unresolved. A
+  // result found inside another walk is kept with the vias its walk visited and those of them it
+  // found on the walk (`leaned`): it is reused only where exactly those are on the walk, so that
+  // what a via gives never depends on which via was resolved first.
+  struct Walked {
+    Result result;
+    std::set<ViaKey> visited;
+    std::set<ViaKey> leaned;
+  };
+  [[nodiscard]] bool reusable(Walked const& w) const;
+  std::map<ViaKey, Walked> memo_;
   std::set<ViaKey> inProgress_;
+  // The vias visited by the walk under way; null outside walks.
+  std::set<ViaKey>* visited_ = nullptr;
   std::map<std::pair<VrfId, std::uint8_t>, std::vector<InterfaceAgent::Connected>> connectedMemo_;
   std::uint64_t vrfResolutions_ = 0;
   // This epoch's flips per via with the prefixes it resolved through, the vias frozen, the

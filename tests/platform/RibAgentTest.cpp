@@ -192,9 +192,51 @@ TEST_F(RibAgentTest, ViaNeverResolvesThroughARouteItServesNorThroughALoop) {
   routeIs("0.0.0.0/0", {via("10.0.0.9")}, 1, 9);
   runToIdle();
   EXPECT_EQ(report(self), "metric 9 pref 1") << "2: falls to the default route";
-  // Which of the two takes the default route first is the order of resolution; both resolve.
-  EXPECT_EQ(report(a).rfind("metric", 0), 0u) << "2: " << report(a);
-  EXPECT_EQ(report(b).rfind("metric", 0), 0u) << "2: " << report(b);
+  // Each resolves through the other's /8: a walk from a refuses only what comes back to a.
+  EXPECT_EQ(report(a), "metric 0 pref 1") << "2";
+  EXPECT_EQ(report(b), "metric 0 pref 1") << "2";
+}
+
+// A host route through a next hop covered only by the default route, whose own next hop lies in
+// that host route: a loop that a /25 breaks for one of the two. The via ids follow the order in
+// which the library allocated the vias; the reports must not. The same routes are built in two
+// VRFs, the vias allocated in opposite orders.
+TEST_F(RibAgentTest, LoopThroughTheDefaultRouteGivesTheSameReportsWhicheverViaCameFirst) {
+  vrfs->vrfIs("blue", 1);
+  intfs->intfIs({Ondex::IntfId("Ethernet3"), "blue", {{ip("10.0.0.1"), 24}}});
+  struct Vias {
+    ViaKey host;    // 203.0.113.5, the host route's via
+    ViaKey dflt;    // 198.51.100.1, the default route's via
+    ViaKey direct;  // 10.0.0.19, the /25's via
+  };
+  auto build = [&](Vrf::VrfIdMap::VrfId vrf, bool hostFirst) {
+    Vias v;
+    if (hostFirst) {
+      v.host = via("203.0.113.5", "", vrf);
+      v.dflt = via("198.51.100.1", "", vrf);
+    } else {
+      v.dflt = via("198.51.100.1", "", vrf);
+      v.host = via("203.0.113.5", "", vrf);
+    }
+    v.direct = via("10.0.0.19", "", vrf);
+    routeIs("198.51.100.1/32", {v.host}, 1, 3, vrf);
+    routeIs("0.0.0.0/0", {v.dflt}, 1, 7, vrf);
+    routeIs("198.51.100.0/25", {v.direct}, 1, 5, vrf);
+    return v;
+  };
+  Vias const first = build(0, true);
+  Vias const second = build(1, false);
+  runToIdle();
+  EXPECT_LT(first.host, first.dflt) << "the two orders of allocation";
+  EXPECT_LT(second.dflt, second.host) << "the two orders of allocation";
+  for (Vias const& v : {first, second}) {
+    // 203.0.113.5 through the default route; 198.51.100.1's walk comes back to it through the
+    // host route, so it takes the /25.
+    EXPECT_EQ(report(v.host), "metric 7 pref 1") << v.host;
+    EXPECT_EQ(report(v.dflt), "metric 5 pref 1") << v.dflt;
+    EXPECT_EQ(report(v.direct), "metric 0 pref 0") << v.direct;
+  }
+  EXPECT_FALSE(rib->oscillation());
 }
 
 // The floating default route: the primary's next hop is covered only by the default route, which

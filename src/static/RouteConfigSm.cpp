@@ -4,6 +4,8 @@
 // re-evaluation walk are in RouteConfigSmVia.cpp.
 #include "static/RouteConfigSm.h"
 
+#include <algorithm>
+
 #include "foundations/runtime/Exception.h"
 #include "foundations/runtime/Flit.h"
 #include "foundations/runtime/NotifyValues.h"
@@ -45,7 +47,6 @@ RouteConfigSm::RouteConfigSm(Inputs const& in)
       vrfName_(in.containerKey.vrfName()),
       scheduler_(in.scheduler) {
   globalPrefIs(in.routingGeneralConfig ? in.routingGeneralConfig->staticRoutePreference() : RoutePreference());
-  oldGlobalPrefIs(RoutePreference());
   // The inputs; a list's nested watchers are built as the list is set (they do nothing until
   // something changes).
   vrfNameStatusIs(in.vrfNameStatus);
@@ -105,8 +106,8 @@ void RouteConfigSm::handleInitialized() {
   reviewAllRoutesTaskIs(scheduler_, 3, "reviewAllRoutes");
   if (routeCacheRouteHelperSm_) routeCacheRouteHelperSm_->routeConfigSmCollIs(containerKey_, this);
   if (isStaticMode()) {
-    auto walk = ViaReevaluateWalkSm::ViaReevaluateWalkSmIs(scheduler_, "viaReevaluateWalkSm", srConfig(), vrfName_,
-                                                           vrfId_);
+    auto walk = ViaReevaluateWalkSm::ViaReevaluateWalkSmIs(scheduler_, "viaReevaluateWalkSm", srConfig(),
+                                                           srConfigDynamic(), vrfName_, vrfId_);
     viaReevaluateWalkSmIs(walk);
     viaReevaluateWalkSmInputIs(walk);
     sipValidationHelperIs(SipValidationHelper::SipValidationHelperIs(scheduler_, vtepSipValidationStatus_,
@@ -203,6 +204,7 @@ void RouteConfigSm::srHandleRoutes() {
   reviewKeyBookmark_.reset();
   reviewKeyBookmarkDynamic_.reset();
   // reviewKeyBookmarkLeak stays: a suspended leak walk ends before the others start over.
+  if (reviewKeyBookmarkLeak_) reviewAllAgain_ = true;
   reviewAllRoutesTask()->scheduleTask();
 }
 
@@ -217,6 +219,8 @@ void RouteConfigSm::riHandleRoutes() {
 void RouteConfigSm::reviewAllRoutes() {
   if (beforeReview() != CONTINUE) return;
   if (reviewAllRoutesImpl()) {
+    // Every route has been reviewed since the last change of the global preference.
+    formerGlobalPrefs_.clear();
     finishReview();
   } else {
     RC_TRACE(8, "reviewAllRoutes Review suspended");
@@ -228,13 +232,20 @@ bool RouteConfigSm::reviewAllRoutesImpl() {
 }
 
 bool RouteConfigSm::srReviewAllRoutesImpl() {
-  if (!reviewKeyBookmarkLeak_) {
-    if (!reviewKeyBookmarkDynamic_) {
-      if (!reviewAllRoutesByConfig(srConfig().get(), reviewKeyBookmark_)) return false;
-    }
-    if (srConfigDynamic()) {
-      if (!reviewAllRoutesByConfig(srConfigDynamic().get(), reviewKeyBookmarkDynamic_)) return false;
-    }
+  if (reviewKeyBookmarkLeak_) {
+    if (!reviewAllRoutesByConfig(leakConfig().get(), reviewKeyBookmarkLeak_)) return false;
+    if (!reviewAllAgain_) return true;
+    // Asked for again while that walk was suspended: the static and dynamic routes were not
+    // reviewed since. The next run starts over.
+    reviewAllAgain_ = false;
+    reviewAllRoutesTask()->scheduleTask();
+    return false;
+  }
+  if (!reviewKeyBookmarkDynamic_) {
+    if (!reviewAllRoutesByConfig(srConfig().get(), reviewKeyBookmark_)) return false;
+  }
+  if (srConfigDynamic()) {
+    if (!reviewAllRoutesByConfig(srConfigDynamic().get(), reviewKeyBookmarkDynamic_)) return false;
   }
   if (!leakConfig()) return true;
   return reviewAllRoutesByConfig(leakConfig().get(), reviewKeyBookmarkLeak_);
@@ -585,9 +596,12 @@ void RouteConfigSm::routePrefAdjustToGlobalPref(Route const& route) {
   auto statusRoute = status_->route(key.prefix());
   if (!statusRoute) return;
   RoutePreference const pref = key.preference();
-  if (oldGlobalPref() != RoutePreference() && oldGlobalPref() != pref) {
-    RC_TRACE(6, "routePrefAdjustToGlobalPref Del oldGlobalPref " << oldGlobalPref());
-    if (statusRoute->routePrefDel(oldGlobalPref())) srReviewEntryOwner(key.prefix(), oldGlobalPref(), key);
+  for (RoutePreference const former : formerGlobalPrefs_) {
+    if (former == RoutePreference() || former == pref || former == globalPref()) continue;
+    // A route of explicit preference leaves another configured route's entry to that route.
+    if (pref != RoutePreference() && srEntryOwner(key.prefix(), former)) continue;
+    RC_TRACE(6, "routePrefAdjustToGlobalPref Del former globalPref " << former);
+    if (statusRoute->routePrefDel(former)) srReviewEntryOwner(key.prefix(), former, key);
   }
   if (globalPref() == RoutePreference()) return;
   if (pref == RoutePreference()) {
@@ -632,8 +646,10 @@ void RouteConfigSm::globalPrefIs(RoutePreference pref) {
 
 void RouteConfigSm::handleGlobalPreference(RoutePreference former) {
   if (!initialized()) return;
-  oldGlobalPrefIs(former);
-  RC_TRACE(8, "handleGlobalPreference oldGlobalPref " << former << " globalPref " << globalPref());
+  // Two changes before one review: routes may still be at either former value.
+  if (std::find(formerGlobalPrefs_.begin(), formerGlobalPrefs_.end(), former) == formerGlobalPrefs_.end())
+    formerGlobalPrefs_.push_back(former);
+  RC_TRACE(8, "handleGlobalPreference former globalPref " << former << " globalPref " << globalPref());
   handleRoutes();
 }
 
@@ -667,9 +683,11 @@ void RouteConfigSm::srHandleRouteDelete(Route const& route, bool leaked) {
     if (key.preference() == RoutePreference()) {
       // Gone before the review that follows a change of the global preference moved it: its entry
       // at 1 or at the former global preference stays otherwise.
-      for (RoutePreference const former : {RoutePreference(), oldGlobalPref()}) {
+      auto const leftBehind = [&](RoutePreference former) {
         if (former != pref && statusRoute->routePrefDel(former)) srReviewEntryOwner(key.prefix(), former, key);
-      }
+      };
+      leftBehind(RoutePreference());
+      for (RoutePreference const former : formerGlobalPrefs_) leftBehind(former);
     }
     if (!statusRoute->routePrefSize()) {
       RC_TRACE(6, "srHandleRouteDelete Deleting route " << key.prefix());

@@ -24,6 +24,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <vector>
 
 #include "foundations/records/ConfigTag.h"
 #include "foundations/records/GeneralConfig.h"
@@ -423,7 +424,9 @@ class RouteConfigSm : public Zel::StateMachine<RouteConfigSm> {
   // The preference of routes configured without one; globalPrefIs re-reviews on a change.
   static constexpr Zel::AttrId globalPrefId = 131;
   [[nodiscard]] RoutePreference const& globalPref() const noexcept { return globalPref_.get(); }
-  ZEL_ATTR_DEFAULT(RoutePreference, oldGlobalPref, 132, RoutePreference())
+  // The global preferences left since the last whole review ended, in the order of the changes:
+  // routes configured without a preference may still have entries at any of them.
+  [[nodiscard]] std::vector<RoutePreference> const& formerGlobalPrefs() const noexcept { return formerGlobalPrefs_; }
   ZEL_ATTR(Quill::Ptr<ViaReevaluateWalkSm>, viaReevaluateWalkSm, 133)
   ZEL_ATTR(Quill::Ptr<NexthopGroup::NhgNameRouteKeyMap>, nhgNameRouteKeyMap, 134)
   ZEL_BACKLOG(RouteKey, backlog)
@@ -458,6 +461,10 @@ class RouteConfigSm : public Zel::StateMachine<RouteConfigSm> {
   void taggedWatchersIs();
 
   Zel::ScalarAttr<RoutePreference> globalPref_{RoutePreference()};
+  std::vector<RoutePreference> formerGlobalPrefs_;
+  // A change asked for a review of all routes while the leak walk was suspended: once that walk
+  // ends, the review starts over.
+  bool reviewAllAgain_ = false;
   Halyard::TaskScheduler* scheduler_;
   std::optional<RouteKey> reviewKeyBookmark_;
   std::optional<RouteKey> reviewKeyBookmarkDynamic_;

@@ -434,7 +434,15 @@ void RouteConfigSm::handleReevaluatedRoute() {
   if (!initialized()) return;
   auto const& walk = viaReevaluateWalkSmInput();
   if (!walk || !walk->reevaluatedRoute()) return;
-  handleVias(*walk->reevaluatedRoute(), vrfId_, ecmpStateChanged());
+  Route const& route = *walk->reevaluatedRoute();
+  // As a change of one of its vias: a route whose command tag is disabled has no entry, and one
+  // of explicit preference equal to the global one has none of its own (its review decides).
+  if (!checkCommandTagInEnabledStatus(route.commandTagId())) return;
+  if (srAtGlobalPrefExplicitly(route.key())) {
+    handleRoute(route.key());
+    return;
+  }
+  handleVias(route, vrfId_, ecmpStateChanged());
 }
 
 void RouteConfigSm::handleWalkFinished() {

@@ -1,5 +1,5 @@
-// The walk over every route of a VRF's static route list that re-handles the vias of each, when a
-// setting that changes how all vias are entered (the ECMP grouping, the resolution profile) has
+// The walk over every route of a VRF's static and dynamic route lists (a dynamic route only when
+// no static route has its key) that re-handles the vias of each, when a setting that changes how all vias are entered (the ECMP grouping, the resolution profile) has
 // changed. It publishes each route in turn on reevaluatedRoute (391) and the end on
 // walkFinishedTrigger (392); the RouteConfigSm that owns it does the work in its reactors.
 #pragma once
@@ -17,15 +17,19 @@ class ViaReevaluateWalkSm : public Halyard::WalkSmBase {
  public:
   [[nodiscard]] static Quill::Ptr<ViaReevaluateWalkSm> ViaReevaluateWalkSmIs(
       Halyard::TaskScheduler* scheduler, Quill::String const& name, Quill::Ptr<RouteList const> routeList,
-      L3::VrfName const& vrfName, Vrf::VrfIdMap::VrfId vrfId) {
-    return Zel::make<ViaReevaluateWalkSm>(scheduler, name, std::move(routeList), vrfName, vrfId);
+      Quill::Ptr<RouteList const> dynamicRouteList, L3::VrfName const& vrfName, Vrf::VrfIdMap::VrfId vrfId) {
+    return Zel::make<ViaReevaluateWalkSm>(scheduler, name, std::move(routeList), std::move(dynamicRouteList),
+                                          vrfName, vrfId);
   }
 
   ZEL_CONST(Quill::Ptr<RouteList const>, routeList)
+  ZEL_CONST(Quill::Ptr<RouteList const>, dynamicRouteList)
   ZEL_CONST(L3::VrfName, vrfName)
   ZEL_CONST(Vrf::VrfIdMap::VrfId, vrfId)
   ZEL_ATTR(RouteKey, bookmark, 130)
   ZEL_ATTR_DEFAULT(bool, start, 131, true)
+  // Whether the bookmark is in the dynamic list.
+  ZEL_ATTR(bool, inDynamic, 132)
   ZEL_ATTR(std::uint32_t, reevaluatedRouteTrigger, 391)
   ZEL_ATTR(std::uint32_t, walkFinishedTrigger, 392)
   // The route being handled; valid during notification 391.
@@ -43,10 +47,18 @@ class ViaReevaluateWalkSm : public Halyard::WalkSmBase {
  protected:
   friend struct Zel::Factory;
   ViaReevaluateWalkSm(Halyard::TaskScheduler* scheduler, Quill::String const& name,
-                      Quill::Ptr<RouteList const> routeList, L3::VrfName const& vrfName, Vrf::VrfIdMap::VrfId vrfId)
-      : WalkSmBase(scheduler, 3, name), routeList_(std::move(routeList)), vrfName_(vrfName), vrfId_(vrfId) {}
+                      Quill::Ptr<RouteList const> routeList, Quill::Ptr<RouteList const> dynamicRouteList,
+                      L3::VrfName const& vrfName, Vrf::VrfIdMap::VrfId vrfId)
+      : WalkSmBase(scheduler, 3, name),
+        routeList_(std::move(routeList)),
+        dynamicRouteList_(std::move(dynamicRouteList)),
+        vrfName_(vrfName),
+        vrfId_(vrfId) {}
 
  private:
+  // Walks one list from the start or the bookmark; false when it yielded, with the bookmark set.
+  [[nodiscard]] bool walkList(RouteList const& list, bool dynamic, std::uint64_t& count);
+
   Quill::Ptr<Route const> reevaluatedRoute_;
 };
 

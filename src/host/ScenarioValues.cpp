@@ -212,6 +212,8 @@ std::optional<std::vector<Ondex::MplsLabel>> Reader::labels(Node const& n, std::
   return out;
 }
 
+constexpr std::size_t kMaxCommunities = 4;
+
 std::optional<std::vector<std::uint32_t>> Reader::communities(Node const& n, std::string const& path) {
   std::vector<std::uint32_t> out;
   forEach(n, path, [&](Node const& e, std::string const& p) {
@@ -233,6 +235,9 @@ std::optional<std::vector<std::uint32_t>> Reader::communities(Node const& n, std
     }
     out.push_back(hi << 16 | lo);
   });
+  // The RIB's redistribution result carries four communities.
+  if (out.size() > kMaxCommunities)
+    error(n, path, fmt::format("{} communities: a route carries at most {}", out.size(), kMaxCommunities));
   return out;
 }
 

@@ -5,6 +5,7 @@
 #include <iostream>
 
 #include "host/CommandLine.h"
+#include "host/Runner.h"
 
 #ifndef BOWLINE_DEFAULT_SCENARIO
 #define BOWLINE_DEFAULT_SCENARIO "scenarios/default.yaml"
@@ -14,6 +15,8 @@
 #endif
 
 int main(int argc, char** argv) {
+  // An assertion of the library ends the process: it then says which step of the run it was in.
+  Host::installAbortReport();
   Host::CommandLineSetup const setup{BOWLINE_VERSION, BOWLINE_DEFAULT_SCENARIO, true};
   int const status = Host::runCommandLine(argc, argv, setup, std::cout, std::cerr);
   std::cout.flush();

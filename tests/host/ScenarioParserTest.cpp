@@ -304,6 +304,9 @@ TEST(ScenarioParserTest, EachClassOfErrorNamesFileLineAndField) {
       {"bad community",
        "routes: [{prefix: 10.0.0.0/8, type: drop, communities: [\"70000:1\"]}]\n",
        {"s.yaml:1: routes[0].communities[0]: \"70000:1\" is not a community (a number or AS:NN)"}},
+      {"five communities",
+       "routes: [{prefix: 10.0.0.0/8, type: drop, communities: [1, 2, 3, 4, \"65000:5\"]}]\n",
+       {"s.yaml:1: routes[0].communities: 5 communities: a route carries at most 4"}},
       {"unknown step",
        "steps:\n  - settle\n  - restat\n",
        {"s.yaml:3: steps[1]: unknown step \"restat\"; expected one of: add_route, remove_route, replace_route, "

@@ -736,6 +736,10 @@ void RouteConfigSm::handleRouteVia(Route const& route, Via const& via, RouteList
     if (sipValidationHelper->checkOnlyEvpnViaVtepSipValidationChange(route, via)) return;
   }
   if (!checkCommandTagInEnabledStatus(route.commandTagId())) return;
+  // A drop or to-CPU route has its one via whatever vias are configured (see handleVias).
+  bool const dropping = route.routeType() == RouteType::drop ||
+                        (route.routeType() == RouteType::dropWithIndication && isStaticMode());
+  if (dropping || sendToCpu(route)) return;
   if (isStaticMode() && srAtGlobalPrefExplicitly(route.key())) {
     // It has no entry of its own (it would be another route's): its review decides.
     handleRoute(route.key());

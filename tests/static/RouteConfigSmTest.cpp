@@ -256,6 +256,14 @@ TEST_F(RouteConfigSmTest, DropAndToCpuRoutesHaveOneViaWhateverTheConfiguration) 
   EXPECT_EQ(h.viasOf("127.0.0.0/8"), Set{"4: nextHop  intf  flags 0x40 weight 0"});
   EXPECT_EQ(h.viasOf("127.0.0.0/9"), Set{"2: nextHop 10.0.0.1 intf  weight 0"});
   EXPECT_EQ(h.routePref("127.0.0.0/9")->fibRouteType(), 7);
+
+  // Vias configured on the live routes change nothing either.
+  for (char const* prefix : {"8.0.0.0/8", "9.0.0.0/8", "127.0.0.0/8"})
+    h.config->route(routeKey(prefix))->viaIs(StaticRouteHarness::via("10.0.0.2"), {});
+  runToIdle();
+  EXPECT_EQ(h.viasOf("8.0.0.0/8"), Set{"4: nextHop  intf Null0 weight 0"});
+  EXPECT_EQ(h.viasOf("9.0.0.0/8"), Set{"4: nextHop  intf Null0 flags 0x20 weight 0"});
+  EXPECT_EQ(h.viasOf("127.0.0.0/8"), Set{"4: nextHop  intf  flags 0x40 weight 0"});
 }
 
 TEST_F(RouteConfigSmTest, InterfaceHostPrefixAndLabelRules) {

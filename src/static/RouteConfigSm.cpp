@@ -345,7 +345,7 @@ void RouteConfigSm::srReviewRoute(RouteKey const& key) {
   if (chosen) {
     if (leakRouteInUseHas(key)) handleLeakedRouteDel(key);
     auto statusRoute = status_->route(key.prefix());
-    if (statusRoute && statusRoute->routePrefHas(key.preference()) && configRoute && dynamicRoute) {
+    if (statusRoute && statusRoute->routePrefHas(srEntryPref(key)) && configRoute && dynamicRoute) {
       RC_TRACE(6, "RouteKey " << key.prefix() << " is present in config and dynamic");
       srHandleRouteDelete(*dynamicRoute, false);
     }
@@ -548,8 +548,7 @@ Quill::Ptr<Protocol::RoutePref> RouteConfigSm::routePrefIs(Route const& route, V
     statusRoute->srcVrfIdIs(srcVrfId);
   }
   RoutePreference pref = route.key().preference();
-  if (routingProtocol_ != Rib::RoutingProtocol::routeInput() && pref == RoutePreference() &&
-      globalPref() != RoutePreference()) {
+  if (routingProtocol_ != Rib::RoutingProtocol::routeInput() && srEntryPref(route.key()) != pref) {
     pref = globalPref();
     RC_TRACE(9, "routePrefIs Add globalPref  " << pref);
   } else {
@@ -615,6 +614,15 @@ void RouteConfigSm::routePrefAdjustToGlobalPref(Route const& route) {
   }
 }
 
+RoutePreference RouteConfigSm::srEntryPref(RouteKey const& key) const {
+  return key.preference() == RoutePreference() && globalPref() != RoutePreference() ? globalPref() : key.preference();
+}
+
+bool RouteConfigSm::viasFixedByType(Route const& route) const {
+  return route.routeType() == RouteType::drop ||
+         (route.routeType() == RouteType::dropWithIndication && isStaticMode()) || sendToCpu(route);
+}
+
 bool RouteConfigSm::srAtGlobalPrefExplicitly(RouteKey const& key) const {
   return globalPref() != RoutePreference() && key.preference() == globalPref();
 }
@@ -677,8 +685,7 @@ void RouteConfigSm::srHandleRouteDelete(Route const& route, bool leaked) {
   if (leaked && !leakRouteInUseHas(key)) return;
   handleInterVrfRoutesDel(route);
   if (auto statusRoute = status_->route(key.prefix())) {
-    RoutePreference pref = key.preference();
-    if (pref == RoutePreference() && globalPref() != RoutePreference()) pref = globalPref();
+    RoutePreference const pref = srEntryPref(key);
     if (statusRoute->routePrefDel(pref)) srReviewEntryOwner(key.prefix(), pref, key);
     if (key.preference() == RoutePreference()) {
       // Gone before the review that follows a change of the global preference moved it: its entry
@@ -736,10 +743,7 @@ void RouteConfigSm::handleRouteVia(Route const& route, Via const& via, RouteList
     if (sipValidationHelper->checkOnlyEvpnViaVtepSipValidationChange(route, via)) return;
   }
   if (!checkCommandTagInEnabledStatus(route.commandTagId())) return;
-  // A drop or to-CPU route has its one via whatever vias are configured (see handleVias).
-  bool const dropping = route.routeType() == RouteType::drop ||
-                        (route.routeType() == RouteType::dropWithIndication && isStaticMode());
-  if (dropping || sendToCpu(route)) return;
+  if (viasFixedByType(route)) return;
   if (isStaticMode() && srAtGlobalPrefExplicitly(route.key())) {
     // It has no entry of its own (it would be another route's): its review decides.
     handleRoute(route.key());

@@ -250,6 +250,9 @@ class RouteConfigSm : public Zel::StateMachine<RouteConfigSm> {
   void handleTag(Route const& route, Vrf::VrfIdMap::VrfId srcVrfId);
   void handleVias(Route const& route, Vrf::VrfIdMap::VrfId srcVrfId, bool ecmpStateChanged);
   void routePrefAdjustToGlobalPref(Route const& route);
+  // The preference of the status-store entry a key of the static lists lives at: its own, or the
+  // global one for a route configured without a preference.
+  [[nodiscard]] RoutePreference srEntryPref(RouteKey const& key) const;
   // A route of explicit preference equal to the global one (not 1): it has no entry of its own.
   [[nodiscard]] bool srAtGlobalPrefExplicitly(RouteKey const& key) const;
   // The static or dynamic route whose entry is the preference `entry` of the prefix, if any.
@@ -259,6 +262,9 @@ class RouteConfigSm : public Zel::StateMachine<RouteConfigSm> {
   void handleGlobalPreference(RoutePreference former);
   void globalPrefIs(RoutePreference pref);
   [[nodiscard]] static bool sendToCpu(Route const& route);
+  // A drop route, or a route to the host's loopback, has its one via (set by handleVias) whatever
+  // vias it is configured with: a via that comes or goes changes nothing of it.
+  [[nodiscard]] bool viasFixedByType(Route const& route) const;
   [[nodiscard]] static Fib::RouteType fibRouteType(RouteType routeType);
   [[nodiscard]] static Fib::RouteType fibRouteTypeFromRoutingProtocol(std::uint8_t routingProto);
   void srHandleRouteDelete(Route const& route, bool leaked);

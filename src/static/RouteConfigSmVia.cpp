@@ -52,12 +52,7 @@ void RouteConfigSm::handleVia(Route const& route, Via const& via, Vrf::VrfIdMap:
     return;
   }
   if (handleRouteCacheEligibility(route)) return;
-  // A route to the host's loopback has its one to-CPU via whatever vias it is configured with: a via
-  // that comes or goes changes nothing of it, and the route's vias are set as a whole.
-  if (sendToCpu(route)) {
-    handleVias(route, srcVrfId, ecmpStateChanged);
-    return;
-  }
+  if (viasFixedByType(route)) return;
   if (via.isIpVia()) {
     QUILL_ASSERT(!via.vni() && !via.routerMac(), "!via.vni() && !via.routerMac()");
     handleIpVia(route, via, srcVrfId, ecmpStateChanged, weight, prevWeight);

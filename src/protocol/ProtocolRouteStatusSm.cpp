@@ -59,6 +59,7 @@ void RouteStatusSm::handleInitialized() {
   RS_TRACE(8, "handleInitialized");
   routeBacklogTaskIs(scheduler_, 3, "routeBacklogTask");
   reviewAllRoutesTaskIs(scheduler_, 3, "reviewAllRoutesTask");
+  bfdTrackedKeyTaskIs(scheduler_, 3, "bfdTrackedKeyTask");
   rib_ = ribString_ == "mrib";
   initializedIs(true);
   if (viaSetConfig_) viaSetConfig_->restartingVrfIs(vrfName_);
@@ -475,7 +476,37 @@ void RouteStatusSm::deleteBfdTrackedVias(Prefix const& prefix, RoutePref const& 
   for (auto const& [viaKey, localAddr] : copy) handleBfdTrackedVia(routeKey, viaKey, localAddr, {}, false);
 }
 
-void RouteStatusSm::handleBfdRouteBLA(BfdStatusKey const& key) { RS_TRACE(9, "handleBfdRouteBLA " << key); }
+void RouteStatusSm::handleBfdRouteBLA(BfdStatusKey const& key) {
+  RS_TRACE(9, "handleBfdRouteBLA " << key);
+  if (std::find(bfdTrackedKeysChanged_.begin(), bfdTrackedKeysChanged_.end(), key) == bfdTrackedKeysChanged_.end())
+    bfdTrackedKeysChanged_.push_back(key);
+  if (auto* task = bfdTrackedKeyTask()) task->scheduleTask();
+}
+
+void RouteStatusSm::doBfdTrackedKeyTaskRun() {
+  std::vector<BfdStatusKey> keys;
+  keys.swap(bfdTrackedKeysChanged_);
+  if (keys.empty() || !status()) return;
+  RS_TRACE(8, "doBfdTrackedKeyTaskRun " << keys.size() << " next hops");
+  for (auto it = status()->routeIteratorConst(); it; it.advance()) {
+    if (usesBelowMostPreferred(*it.value(), keys)) routeBacklogAdd(it.key());
+  }
+}
+
+bool RouteStatusSm::usesBelowMostPreferred(Route const& route, std::vector<BfdStatusKey> const& keys) const {
+  for (auto prefIt = route.routePrefIteratorConst(); prefIt; prefIt.advance()) {
+    auto typeIt = prefIt.value()->dedupViaKeyByViaTypeIteratorConst();
+    if (!typeIt) continue;
+    for (typeIt.advance(); typeIt; typeIt.advance()) {
+      for (auto viaIt = typeIt.value()->dedupViaKeyIteratorConst(); viaIt; viaIt.advance()) {
+        if (viaIt.key().transport() == Rib::Transport::transportEvpn()) continue;
+        BfdStatusKey const key = bfdStatusKeyOf(getViaFromKey(viaIt.key()));
+        if (std::find(keys.begin(), keys.end(), key) != keys.end()) return true;
+      }
+    }
+  }
+  return false;
+}
 
 // ---------------------------------------------------------------------------------------------
 // Nested machines.

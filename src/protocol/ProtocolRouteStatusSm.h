@@ -151,6 +151,11 @@ class RouteStatusSm : public Zel::StateMachine<RouteStatusSm> {
                                    bool add);
   void deleteBfdTrackedVias(Prefix const& prefix, RoutePref const& routePref);
   void handleBfdRouteBLA(BfdStatusKey const& key);
+  // BFD came to track a next hop, or stopped tracking it. A via below the most preferred via type
+  // of a preference counts only while BFD tracks its next hop, for whichever route: every route
+  // with such a via to one of these next hops is selected again.
+  void doBfdTrackedKeyTaskRun();
+  [[nodiscard]] bool usesBelowMostPreferred(Route const& route, std::vector<BfdStatusKey> const& keys) const;
 
   // ---- Attributes.
   ZEL_CONST(L3::VrfName, vrfName)
@@ -197,6 +202,7 @@ class RouteStatusSm : public Zel::StateMachine<RouteStatusSm> {
   ZEL_ATTR_DEFAULT(double, reviewQuantum, 132, 0.1)
   ZEL_ATTR(bool, reviewedOnce, 133)
   ZEL_TASK(reviewAllRoutesTask, doReview)
+  ZEL_TASK(bfdTrackedKeyTask, doBfdTrackedKeyTaskRun)
   ZEL_ATTR(bool, initialized, 134)
 
   void zelDoZombieReactors(bool marked) override;
@@ -213,6 +219,8 @@ class RouteStatusSm : public Zel::StateMachine<RouteStatusSm> {
   bool viaWeightChange_;
   Halyard::TaskScheduler* scheduler_;
   bool tearingDown_ = false;
+  // The next hops BFD came to track or stopped tracking since bfdTrackedKeyTask last ran.
+  std::vector<BfdStatusKey> bfdTrackedKeysChanged_;
 };
 
 }  // namespace Routing::Protocol

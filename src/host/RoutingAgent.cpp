@@ -59,8 +59,9 @@ Quill::Ptr<Routing::Input::ContainerSm> RoutingAgent::container(L3::VrfName cons
 void RoutingAgent::vrfIs(L3::VrfName const& vrf, VrfConfig const& v4, VrfConfig const& v6) {
   vrfDel(vrf);
   VrfContainers& holder = vrfs_[vrf];
-  holder.bfdTrackedRoutesList = Routing::BfdTrackedStaticRoutesList::BfdTrackedStaticRoutesListIs(vrf);
   for (auto const& root : {staticRoot_, routeInputRoot_}) {
+    holder.bfdTrackedRoutesLists[root->routingProtocol().value()] =
+        Routing::BfdTrackedStaticRoutesList::BfdTrackedStaticRoutesListIs(vrf);
     for (auto af : kFamilies) {
       holder.containers[{af.value(), root->routingProtocol().value()}] =
           containerIs(vrf, af, *root, af.isV4() ? v4 : v6, holder);
@@ -111,7 +112,7 @@ Quill::Ptr<Routing::Input::ContainerSm> RoutingAgent::containerIs(L3::VrfName co
   in.grState = root.grState();
   in.vrfReadyStatus = allVrfReadyStatus_->vrfReadyStatus(vrf);
   in.mplsConfig = env_.mpls;
-  in.bfdTrackedRoutesList = holder.bfdTrackedRoutesList;
+  in.bfdTrackedRoutesList = holder.bfdTrackedRoutesLists.at(root.routingProtocol().value());
   in.viaStatusByVrf = env_.viaStatusByVrf;
   in.viaMetricStatusByVrf = root.viaMetricStatusByVrf();
   in.resRibProfileContainer = resRibProfileContainer_;

@@ -90,7 +90,9 @@ class RoutingAgent {
 
  private:
   struct VrfContainers {
-    Quill::Ptr<Routing::BfdTrackedStaticRoutesList> bfdTrackedRoutesList;
+    // The BFD-tracked routes of the VRF, one list per protocol: a list is keyed by route key, and
+    // a static and an injected route of one key are two routes.
+    std::map<std::uint16_t, Quill::Ptr<Routing::BfdTrackedStaticRoutesList>> bfdTrackedRoutesLists;
     // By (family, protocol), built in this order and released in reverse.
     std::map<std::pair<int, std::uint16_t>, Quill::Ptr<Routing::Input::ContainerSm>> containers;
   };

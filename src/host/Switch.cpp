@@ -133,6 +133,7 @@ Switch::VrfRecords& Switch::recordsOf(std::string const& vrf) {
       it->second.config[f] = Routing::RouteList::RouteListIs();
       it->second.dynamic[f] = Routing::RouteList::RouteListIs();
       it->second.dir[f] = Zel::Dir::DirIs("routeInput");
+      it->second.tagDir[f] = Zel::Dir::DirIs("routeInputTag");
     }
   }
   return it->second;
@@ -151,17 +152,11 @@ void Switch::start() {
     tagIds_->tagIdToTagStrIs(tag.id, Zel::String(tag.name));
     commandTagIs(tag.name, tag.enabled);
   }
-  for (auto const& route : scenario_.routes) {
-    VrfRecords& r = recordsOf(route.vrf);
-    int const f = familyOf(route.prefix);
-    routeInto(route.dynamic ? *r.dynamic[f] : *r.config[f], route, RouteOp::add,
-              route.dynamic ? taggedDynamic_.get() : tagged_.get());
-  }
+  for (auto const& route : scenario_.routes) configRouteInto({}, route, RouteOp::add);
   for (auto const& user : scenario_.injected) {
     for (auto const& route : user.routes) {
-      auto& input = userOf(user.vrf, user.user, familyOf(route.prefix));
-      input.installInFibIs(user.installInFib);
-      routeInto(input, route, RouteOp::add);
+      userOf(user.vrf, user.user, familyOf(route.prefix)).installInFibIs(user.installInFib);
+      configRouteInto(user.user, route, RouteOp::add);
     }
   }
   for (auto const& file : scenario_.routeFiles) {
@@ -175,7 +170,8 @@ void Switch::start() {
   }
   for (auto const& s : scenario_.bfd) bfdAgent_->sessionStateIs(L3::VrfName(s.vrf), s.peer, bfdStateOf(s.state));
   doStartAgents(scenario_.global.gracefulRestart);
-  if (scenario_.global.startReadyVerification) agent_->startReadyVerificationIs(true);
+  startReadyVerification_ = scenario_.global.startReadyVerification;
+  if (startReadyVerification_) agent_->startReadyVerificationIs(true);
   settle();
   doHandshakeRound();
 }
@@ -230,6 +226,7 @@ void Switch::doBuildContainers(std::string const& vrf) {
     configs[f].config = r.config[f];
     configs[f].configDynamic = r.dynamic[f];
     configs[f].configDir = r.dir[f];
+    configs[f].configTagDir = r.tagDir[f];
     configs[f].taggedConfig = tagged_;
     configs[f].taggedDynamicConfig = taggedDynamic_;
   }
@@ -274,7 +271,7 @@ void Switch::agentStop(bool gracefulRestart) {
 
 void Switch::agentStart(bool gracefulRestart) {
   doStartAgents(gracefulRestart);
-  if (gracefulRestart && scenario_.global.startReadyVerification) agent_->startReadyVerificationIs(true);
+  if (gracefulRestart && startReadyVerification_) agent_->startReadyVerificationIs(true);
   settle();
   doHandshakeRound();
 }
@@ -291,41 +288,41 @@ void Switch::doOverride(RibStep const& s) {
 
 // ---- Configuration records.
 
-void Switch::taggedKeyIs(Routing::VrfRouteListTaggedConfig& tagged, std::string const& vrf, std::string const& tag,
-                         Routing::RouteKey const& key) {
+Routing::RouteListTaggedConfig& Switch::tagIndexOf(Routing::VrfRouteListTaggedConfig& tagged, std::string const& vrf) {
   L3::VrfName const name(vrf);
   auto index = tagged.vrfConfig(name);
   if (!index) {
     index = Routing::RouteListTaggedConfig::RouteListTaggedConfigIs(name);
     tagged.vrfConfigIs(name, index);
   }
+  return *index;
+}
+
+void Switch::taggedKeyIs(Routing::RouteListTaggedConfig& index, std::string const& tag, Routing::RouteKey const& key) {
   Zel::String const tagName(tag);
-  auto set = index->tagToRouteKeySet(tagName);
+  auto set = index.tagToRouteKeySet(tagName);
   if (!set) {
     set = Routing::RouteKeySet::RouteKeySetIs(tagName);
     set->routeKeySetIs(key);
-    index->tagToRouteKeySetIs(tagName, set);
+    index.tagToRouteKeySetIs(tagName, set);
     return;
   }
   set->routeKeySetIs(key);
 }
 
-void Switch::taggedKeyDel(Routing::VrfRouteListTaggedConfig& tagged, std::string const& vrf,
-                          Routing::RouteKey const& key) {
-  auto const index = tagged.vrfConfig(L3::VrfName(vrf));
-  if (!index) return;
-  for (auto it = index->tagToRouteKeySetIterator(); it; it.advance()) {
+void Switch::taggedKeyDel(Routing::RouteListTaggedConfig& index, Routing::RouteKey const& key) {
+  for (auto it = index.tagToRouteKeySetIterator(); it; it.advance()) {
     if (auto const& set = it.value()) set->routeKeySetDel(key);
   }
 }
 
 void Switch::routeInto(Routing::RouteList& list, StaticRoute const& route, RouteOp op,
-                       Routing::VrfRouteListTaggedConfig* tagged) {
+                       Routing::RouteListTaggedConfig& tagged) {
   Routing::RouteKey const key = route.key();
   auto existing = list.route(key);
   // The configuration agent indexes tagged routes by tag, beside the list.
-  if (tagged && (op != RouteOp::add || !route.commandTag.empty())) taggedKeyDel(*tagged, route.vrf, key);
-  if (tagged && op != RouteOp::remove && !route.commandTag.empty()) taggedKeyIs(*tagged, route.vrf, route.commandTag, key);
+  if (op != RouteOp::add || !route.commandTag.empty()) taggedKeyDel(tagged, key);
+  if (op != RouteOp::remove && !route.commandTag.empty()) taggedKeyIs(tagged, route.commandTag, key);
   if (op == RouteOp::remove) {
     if (existing) list.routeDel(key);
     return;
@@ -348,6 +345,27 @@ void Switch::routeInto(Routing::RouteList& list, StaticRoute const& route, Route
   }
 }
 
+Routing::RouteListTaggedConfig& Switch::userTagsOf(std::string const& vrf, std::string const& user, int family) {
+  VrfRecords& r = recordsOf(vrf);
+  auto& slot = r.userTags[family][user];
+  if (!slot) {
+    slot = Routing::RouteListTaggedConfig::RouteListTaggedConfigIs(L3::VrfName(vrf));
+    r.tagDir[family]->entityIs(Quill::String(user), slot);
+  }
+  return *slot;
+}
+
+void Switch::configRouteInto(std::string const& user, StaticRoute const& route, RouteOp op) {
+  int const f = familyOf(route.prefix);
+  if (!user.empty()) {
+    routeInto(userOf(route.vrf, user, f), route, op, userTagsOf(route.vrf, user, f));
+    return;
+  }
+  VrfRecords& r = recordsOf(route.vrf);
+  routeInto(route.dynamic ? *r.dynamic[f] : *r.config[f], route, op,
+            tagIndexOf(route.dynamic ? *taggedDynamic_ : *tagged_, route.vrf));
+}
+
 Routing::RouteInput& Switch::userOf(std::string const& vrf, std::string const& user, int family) {
   VrfRecords& r = recordsOf(vrf);
   auto& slot = r.users[family][user];
@@ -361,21 +379,18 @@ Routing::RouteInput& Switch::userOf(std::string const& vrf, std::string const& u
 
 void Switch::routeIs(RouteStep const& step) {
   if (rib_) rib_->configurationChangedIs(L3::VrfName(step.route.vrf));
-  int const f = familyOf(step.route.prefix);
-  if (step.user.empty()) {
-    VrfRecords& r = recordsOf(step.route.vrf);
-    routeInto(step.route.dynamic ? *r.dynamic[f] : *r.config[f], step.route, step.op,
-              step.route.dynamic ? taggedDynamic_.get() : tagged_.get());
-    return;
-  }
-  routeInto(userOf(step.route.vrf, step.user, f), step.route, step.op);
+  configRouteInto(step.user, step.route, step.op);
 }
 
 void Switch::globalIs(GlobalStep const& step) {
   if (step.preference) general_->staticRoutePreferenceIs(Routing::RoutePreference(*step.preference));
   if (step.ecmp) general_->staticRouteEcmpStateIs(ecmpOf(*step.ecmp));
   if (step.mpls) mpls_->mplsRoutingIs(*step.mpls);
-  if (step.startReadyVerification && agent_) agent_->startReadyVerificationIs(*step.startReadyVerification);
+  if (step.startReadyVerification) {
+    // An agent verifies readiness once per start: turned off, the setting waits for the next start.
+    startReadyVerification_ = *step.startReadyVerification;
+    if (startReadyVerification_ && agent_) agent_->startReadyVerificationIs(true);
+  }
 }
 
 void Switch::commandTagIs(std::string const& name, bool enabled) {

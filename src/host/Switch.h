@@ -74,19 +74,26 @@ class Switch {
     Quill::Ptr<Routing::RouteList> dynamic[2];
     Quill::Ptr<Zel::Dir> dir[2];
     std::map<std::string, Quill::Ptr<Routing::RouteInput>> users[2];
+    // Each user's command-tag index of its routes, an entry of tagDir by the user's name.
+    Quill::Ptr<Zel::Dir> tagDir[2];
+    std::map<std::string, Quill::Ptr<Routing::RouteListTaggedConfig>> userTags[2];
     // The interface tables the VRF's containers were built on.
     Quill::Ptr<Zel::Entity const> intfTables[2];
   };
 
   VrfRecords& recordsOf(std::string const& vrf);
   void routeIs(RouteStep const& step);
-  // `tagged`: the command-tag index of the list's kind (static or dynamic), kept with the list.
+  // `tagged`: the command-tag index kept with the list (by tag, the keys of its routes).
   void routeInto(Routing::RouteList& list, StaticRoute const& route, RouteOp op,
-                 Routing::VrfRouteListTaggedConfig* tagged = nullptr);
-  void taggedKeyIs(Routing::VrfRouteListTaggedConfig& tagged, std::string const& vrf, std::string const& tag,
-                   Routing::RouteKey const& key);
-  void taggedKeyDel(Routing::VrfRouteListTaggedConfig& tagged, std::string const& vrf, Routing::RouteKey const& key);
+                 Routing::RouteListTaggedConfig& tagged);
+  // The index of the static or dynamic lists of `vrf` in `tagged`, made when there is none.
+  static Routing::RouteListTaggedConfig& tagIndexOf(Routing::VrfRouteListTaggedConfig& tagged, std::string const& vrf);
+  static void taggedKeyIs(Routing::RouteListTaggedConfig& index, std::string const& tag, Routing::RouteKey const& key);
+  static void taggedKeyDel(Routing::RouteListTaggedConfig& index, Routing::RouteKey const& key);
   Routing::RouteInput& userOf(std::string const& vrf, std::string const& user, int family);
+  Routing::RouteListTaggedConfig& userTagsOf(std::string const& vrf, std::string const& user, int family);
+  // A static or dynamic route into its list; an injected route (non-empty `user`) into the user's.
+  void configRouteInto(std::string const& user, StaticRoute const& route, RouteOp op);
   void interfaceIs(Interface const& intf);
   void globalIs(GlobalStep const& step);
   void commandTagIs(std::string const& name, bool enabled);
@@ -131,6 +138,8 @@ class Switch {
   HeldRoutes held_;
   std::map<std::string, VrfRecords> vrfs_;
   bool gracefulRestart_ = false;
+  // Whether the agent may verify readiness at its (next) graceful start.
+  bool startReadyVerification_ = false;
   std::uint32_t seq_ = 0;
   std::unique_ptr<RoutingAgent> agent_;
   Quill::Ptr<Platform::RibAgent> rib_;

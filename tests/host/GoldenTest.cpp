@@ -1,7 +1,7 @@
 // The host program on the scenarios under tests/host/golden (and the shipped default scenario):
 // each run's output must be the expected output kept beside it. BOWLINE_UPDATE_GOLDEN=1 rewrites the
-// expected files from the current output (review the diff before committing it). Also: an agent
-// restart ends with the RIB it started from and nothing stale in the tables.
+// expected files from the current output (review the diff before committing it). Also: a run that
+// cannot settle stops, naming the route and the via.
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -63,83 +63,6 @@ TEST_F(GoldenTest, EveryScenarioPrintsItsExpectedRib) {
 TEST_F(GoldenTest, DefaultScenarioAsTextAndJson) {
   expectGolden(kDefaultScenario, kGoldenDir / "default.out", false);
   expectGolden(kDefaultScenario, kGoldenDir / "default.json", true);
-}
-
-TEST_F(GoldenTest, AgentRestartEndsWithTheSameRibAndNothingStale) {
-  for (bool graceful : {false, true}) {
-    SCOPED_TRACE(graceful ? "graceful restart" : "plain restart");
-    auto parse = Host::parseScenario((kGoldenDir / "restart.yaml").string());
-    ASSERT_TRUE(parse.ok()) << parse.errorText();
-    Host::Switch sw(*parse.scenario, scheduler());
-    sw.start();
-    sw.settle();
-    // The tables the RIB reads: via tables and via sets of both protocols.
-    auto tableSizes = [&] {
-      std::vector<std::size_t> sizes;
-      for (auto p : {Routing::Rib::RoutingProtocol::staticConfig(), Routing::Rib::RoutingProtocol::routeInput()}) {
-        auto const& root = sw.agent().root(p);
-        sizes.push_back(root->ipv4AllVrfViaConfig()->viaSize());
-        sizes.push_back(root->ipv6AllVrfViaConfig()->viaSize());
-        sizes.push_back(root->viaSetConfig()->configViaSetColl()->viaSetSize());
-      }
-      return sizes;
-    };
-    std::string const before = Host::showText(sw.view("", ""));
-    auto const sizesBefore = tableSizes();
-    sw.restart(graceful);
-    if (graceful) sw.apply(Host::Step{Host::GlobalStep{{}, {}, {}, true}, 0});
-    sw.settle();
-    std::string after = Host::showText(sw.view("", ""));
-    // Only the handshake's round differs.
-    for (auto pos = after.find("trigger 2, status 2"); pos != std::string::npos; pos = after.find("trigger 2, status 2"))
-      after.replace(pos, 19, "trigger 1, status 1");
-    EXPECT_EQ(after, before);
-    EXPECT_EQ(tableSizes(), sizesBefore) << "no via or via set left behind by the agent's former life";
-  }
-}
-
-TEST_F(GoldenTest, GracefulRestartHoldsRoutesUntilReconciledThenDropsOnlyTheStale) {
-  auto parse = Host::parseScenario((kGoldenDir / "restart.yaml").string());
-  ASSERT_TRUE(parse.ok()) << parse.errorText();
-  Host::Switch sw(*parse.scenario, scheduler());
-  sw.start();
-  sw.settle();
-  auto routeLines = [&] {
-    std::string out;
-    std::istringstream in(Host::showText(sw.view("", "")));
-    for (std::string line; std::getline(in, line);) {
-      if (line.rfind("    ", 0) == 0 && line.rfind("      ", 0) != 0) out += line + "\n";
-    }
-    return out;
-  };
-  std::string const before = routeLines();
-  ASSERT_NE(before.find("10.20.0.0/16 static"), std::string::npos) << before;
-
-  // 1. The agent goes down; while it is away 10.20.0.0/16 is removed from the configuration.
-  sw.agentStop(true);
-  Host::RouteStep remove;
-  remove.op = Host::RouteOp::remove;
-  remove.route.prefix = *Ondex::IpGenPrefix::fromString("10.20.0.0/16");
-  remove.route.preference = 200;
-  sw.apply(Host::Step{remove, 0});
-  sw.agentStart(true);
-  sw.settle();
-  // 2. Back, waiting for verification: everything it had installed is still forwarded on, as stale.
-  std::string held = routeLines();
-  EXPECT_NE(held.find("10.20.0.0/16 static pref 200 metric 0 (stale)"), std::string::npos) << held;
-  for (auto pos = held.find(" (stale)"); pos != std::string::npos; pos = held.find(" (stale)")) held.erase(pos, 8);
-  EXPECT_EQ(held, before) << "the RIB holds exactly what was installed";
-
-  // 3. Verification: the agent writes its routes again; only the removed one goes.
-  sw.apply(Host::Step{Host::GlobalStep{{}, {}, {}, true}, 0});
-  sw.settle();
-  std::string const after = routeLines();
-  EXPECT_EQ(after.find("(stale)"), std::string::npos) << after;
-  EXPECT_EQ(after.find("10.20.0.0/16"), std::string::npos) << after;
-  std::string expected = before;
-  expected.erase(expected.find("    10.20.0.0/16"), before.find('\n', before.find("    10.20.0.0/16")) -
-                                                       expected.find("    10.20.0.0/16") + 1);
-  EXPECT_EQ(after, expected);
 }
 
 TEST_F(GoldenTest, ARunThatDoesNotSettleStopsNamingTheRouteAndTheVia) {

@@ -63,7 +63,7 @@ struct Via {
   Ondex::IntfId intf;
   std::uint32_t metric = 0;
   std::uint32_t weight = 0;
-  // At most three labels, outermost first; the route's via carries the first.
+  // The via's MPLS label, when it has one (a list of one, as written).
   std::vector<Ondex::MplsLabel> labels;
   std::string egressVrf;  // empty: the route's own VRF
   bool bfd = false;       // liveness tracked by a BFD session

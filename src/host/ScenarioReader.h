@@ -37,7 +37,8 @@ inline constexpr std::uint32_t kNoVrfId = 0xffffff;
 inline constexpr std::size_t kMaxNameLength = 100;
 // Any other value: a label, a path.
 inline constexpr std::size_t kMaxFieldBytes = 4096;
-inline constexpr std::size_t kMaxLabels = 3;
+// A static via carries one MPLS label (the route machines have no label stack).
+inline constexpr std::size_t kMaxLabels = 1;
 inline constexpr std::size_t kMaxErrors = 100;
 
 [[nodiscard]] inline int lineOf(Node const& n) { return n.Mark().is_null() ? 0 : n.Mark().line + 1; }

@@ -201,7 +201,7 @@ std::optional<std::vector<Ondex::MplsLabel>> Reader::labels(Node const& n, std::
   };
   if (n.IsSequence()) {
     if (n.size() > kMaxLabels) {
-      error(n, path, fmt::format("at most {} labels", kMaxLabels));
+      error(n, path, fmt::format("a via carries one MPLS label, not a stack of {}", n.size()));
       return std::nullopt;
     }
     if (n.size() == 0) error(n, path, "an empty list of labels; leave the key out for none");

@@ -97,8 +97,8 @@ void ScenarioBuilder::viaExtras(YamlTree& v, Family f, std::string const& vrf) {
     if (dice_.percent(60)) {
       v.add("label", std::to_string(dice_.pick(labels)), ValueKind::number);
     } else {
-      YamlTree& l = v.add("label", YamlTree::list());
-      for (std::size_t i = 0, n = 2 + dice_.below(2); i < n; ++i) l.push(YamlTree::scalar(std::to_string(dice_.pick(labels)), ValueKind::number));
+      // The list form of one label.
+      v.add("label", YamlTree::list()).push(YamlTree::scalar(std::to_string(dice_.pick(labels)), ValueKind::number));
     }
   }
   if (dice_.percent(8)) v.add("egress_vrf", otherVrfName(vrf), ValueKind::other);

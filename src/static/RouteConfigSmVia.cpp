@@ -1,13 +1,15 @@
-// The via side of RouteConfigSm: what one via of a route puts into the via table and the status
-// store, or takes out; the indexes of inter-VRF routes and the VRF events that move them; and the
-// walk that re-handles every via when the ECMP grouping or the resolution profile changes.
+// The vias of RouteConfigSm: what one via of a route puts into the via table and the status store,
+// or takes out, and the walk that re-handles every via when the ECMP grouping or the resolution
+// profile changes. The inter-VRF routes are in RouteConfigSmInterVrf.cpp.
+#include "static/RouteConfigSm.h"
+
 #include "foundations/rib/ResolutionRibProfile.h"
 #include "foundations/runtime/Exception.h"
 #include "foundations/runtime/Flit.h"
+#include "foundations/runtime/NotifyValues.h"
 #include "foundations/runtime/Toggle.h"
 #include "foundations/runtime/Trace.h"
 #include "foundations/types/DynamicTunnelIntfId.h"
-#include "static/RouteConfigSm.h"
 
 ZEL_TRACE_FACILITY("StaticRoute::RouteConfigSm");
 
@@ -251,163 +253,47 @@ void RouteConfigSm::handleRouteViaResRibProfileConfig(Route const& route, Via co
 }
 
 // ---------------------------------------------------------------------------------------------
-// Inter-VRF routes.
+// A changed via of a configured route.
 
-Vrf::VrfIdMap::VrfId RouteConfigSm::egressVrfId(L3::VrfName const& vrf) const {
-  return vrfNameToIdMap() ? vrfNameToIdMap()->vrfIdOf(vrf) : Vrf::VrfIdMap::VrfId::none();
-}
-
-Quill::Ptr<Protocol::IntfStatus const> RouteConfigSm::getVrfIntfStatus(L3::VrfName const& vrf,
-                                                                       Ondex::AddressFamily af) const {
-  if (!allEgressVrfIntfStatusHelperSm_) return nullptr;
-  return allEgressVrfIntfStatusHelperSm_->getVrfIntfStatus(vrf, af);
-}
-
-bool RouteConfigSm::anyViaInEgressVrf(Route const& route, L3::VrfName const& egressVrf) {
-  for (auto it = route.viaIteratorConst(); it; it.advance()) {
-    if (it.key().egressVrf() == egressVrf) return true;
+void RouteConfigSm::handleRouteVia(Route const& route, Via const& via, RouteList const* routeList,
+                                   SipValidationHelper* sipValidationHelper) {
+  RC_TRACE(8, "handleRouteVia " << route.key() << " Via: " << via << " has " << route.vias() << " vias");
+  if (sipValidationHelper) {
+    sipValidationHelper->maybeUpdateVtepSipValidation(route, via, route.viaHas(via));
+    if (sipValidationHelper->checkOnlyEvpnViaVtepSipValidationChange(route, via)) return;
   }
-  return false;
-}
-
-void RouteConfigSm::addResolvedInterVrfRoute(Route const& route, L3::VrfName const& egressVrf) {
-  QUILL_ASSERT(vrfNameToIdMap() && vrfNameToIdMap()->vrfNameToIdHas(egressVrf),
-               "vrfNameToIdMap()->vrfNameToIdHas( egressVrf )");
-  auto entry = resolvedInterVrfRtCfg()->interVrfRouteConfigIs(egressVrf);
-  entry->vrfIdIs(egressVrfId(egressVrf));
-  entry->routeConfigIs()->routeIs(route.key(), RouteConstPtr(&route));
-  if (allEgressVrfIntfStatusHelperSm_) allEgressVrfIntfStatusHelperSm_->registerForVrfIntfStatus(egressVrf, this);
-}
-
-void RouteConfigSm::addUnresolvedInterVrfRoute(Route const& route, L3::VrfName const& egressVrf) {
-  auto entry = unresolvedInterVrfRtCfg()->interVrfRouteConfigIs(egressVrf);
-  entry->routeConfigIs()->routeIs(route.key(), RouteConstPtr(&route));
-  if (allEgressVrfIntfStatusHelperSm_) allEgressVrfIntfStatusHelperSm_->registerForVrfIntfStatus(egressVrf, this);
-}
-
-namespace {
-
-// Removes the route from one table; the entry goes with its last route, and the registration
-// with the last entry of either table.
-template <class Unregister>
-void delInterVrfRoute(InterVrfRouteByEgressVrf& table, InterVrfRouteByEgressVrf const& other, RouteKey const& key,
-                      L3::VrfName const& egressVrf, L3::VrfName const& vrfName, Unregister&& unregister) {
-  auto entry = table.interVrfRouteConfig(egressVrf);
-  if (!entry) {
-    TRACE(8, "Vrf: " << vrfName << ", delInterVrfRoute VRF " << egressVrf << " does not exist");
+  if (!checkCommandTagInEnabledStatus(route.commandTagId())) return;
+  // A drop or to-CPU route has its one via whatever vias are configured (see handleVias).
+  bool const dropping = route.routeType() == RouteType::drop ||
+                        (route.routeType() == RouteType::dropWithIndication && isStaticMode());
+  if (dropping || sendToCpu(route)) return;
+  if (isStaticMode() && srAtGlobalPrefExplicitly(route.key())) {
+    // It has no entry of its own (it would be another route's): its review decides.
+    handleRoute(route.key());
     return;
   }
-  auto const& routes = entry->routeConfig();
-  if (!routes || !routes->routeHas(key)) {
-    TRACE(8, "Vrf: " << vrfName << ", delInterVrfRoute prefix " << key << " does not exist");
-    return;
-  }
-  routes->routeDel(key);
-  if (routes->routeSize()) return;
-  table.interVrfRouteConfigDel(egressVrf);
-  if (!other.interVrfRouteConfigHas(egressVrf)) unregister();
-}
-
-}  // namespace
-
-void RouteConfigSm::delResolvedInterVrfRoute(Route const& route, L3::VrfName const& egressVrf) {
-  delInterVrfRoute(*resolvedInterVrfRtCfg(), *unresolvedInterVrfRtCfg(), route.key(), egressVrf, vrfName_, [&] {
-    if (allEgressVrfIntfStatusHelperSm_) allEgressVrfIntfStatusHelperSm_->unregisterForVrfIntfStatus(egressVrf, this);
-  });
-}
-
-void RouteConfigSm::delUnresolvedInterVrfRoute(Route const& route, L3::VrfName const& egressVrf) {
-  delInterVrfRoute(*unresolvedInterVrfRtCfg(), *resolvedInterVrfRtCfg(), route.key(), egressVrf, vrfName_, [&] {
-    if (allEgressVrfIntfStatusHelperSm_) allEgressVrfIntfStatusHelperSm_->unregisterForVrfIntfStatus(egressVrf, this);
-  });
-}
-
-void RouteConfigSm::handleInterVrfRoutesDel(Route const& route) {
-  if (!resolvedInterVrfRtCfg()) return;
-  for (auto it = route.viaIteratorConst(); it; it.advance()) {
-    L3::VrfName const& egressVrf = it.key().egressVrf();
-    if (egressVrf.empty()) continue;
-    delUnresolvedInterVrfRoute(route, egressVrf);
-    delResolvedInterVrfRoute(route, egressVrf);
-  }
-}
-
-void RouteConfigSm::handleInterVrfRoutes(L3::VrfName const& egressVrf) {
-  RC_TRACE(8, "handleInterVrfRoutes Handling inter-vrf routes with egress vrf " << egressVrf);
-  if (!initialized()) return;
-  for (auto const& table : {resolvedInterVrfRtCfg(), unresolvedInterVrfRtCfg()}) {
-    auto entry = table->interVrfRouteConfig(egressVrf);
-    if (!entry || !entry->routeConfig()) continue;
-    for (auto it = entry->routeConfig()->routeIteratorConst(); it; it.advance()) backlogIs(it.key());
-  }
-  routeReviewTask()->scheduleTask();
-}
-
-void RouteConfigSm::handleVrfNameToId(L3::VrfName const& vrf) {
-  if (!initialized()) return;
-  if (vrfNameToIdMap() && vrfNameToIdMap()->vrfIdExists(vrf))
-    handleVrfAddition(vrf);
-  else
-    handleVrfDeletion(vrf);
-}
-
-void RouteConfigSm::handleVrfDeletion(L3::VrfName const& vrf) {
-  auto entry = resolvedInterVrfRtCfg()->interVrfRouteConfig(vrf);
-  if (!entry) {
-    RC_TRACE(8, "handleVrfDeletion there is no resolved" << " inter-vrf static routes in VRF: " << vrf);
-    return;
-  }
-  Vrf::VrfIdMap::VrfId const oldId = entry->vrfId();
-  auto routes = entry->routeConfig();  // kept alive while the entry may go
-  if (!routes) return;
-  for (auto it = routes->routeIterator(); it; it.advance()) {
-    RouteConstPtr route = it.value();
-    delAllDedupViaKey(*route, oldId);
-    delAllBfdTrackedVias(*route, oldId);
-    delResolvedInterVrfRoute(*route, vrf);
-    addUnresolvedInterVrfRoute(*route, vrf);
-  }
-}
-
-void RouteConfigSm::handleVrfAddition(L3::VrfName const& vrf) {
-  if (auto entry = resolvedInterVrfRtCfg()->interVrfRouteConfig(vrf); entry && entry->vrfId() != egressVrfId(vrf)) {
-    RC_TRACE(2, "handleVrfAddition VRF id changes for VRF: " << vrf);
-    handleVrfDeletion(vrf);
-  }
-  auto entry = unresolvedInterVrfRtCfg()->interVrfRouteConfig(vrf);
-  if (!entry || !entry->routeConfig()) return;
-  auto routes = entry->routeConfig();
-  for (auto it = routes->routeIterator(); it; it.advance()) {
-    RouteConstPtr route = it.value();
-    addAllDedupViaKey(*route, vrf);
-    delUnresolvedInterVrfRoute(*route, vrf);
-  }
-}
-
-void RouteConfigSm::delAllDedupViaKey(Route const& route, Vrf::VrfIdMap::VrfId oldVrfId) {
-  auto routePref = routePrefIs(route, vrfId_);
-  for (auto type = routePref->dedupViaKeyByViaTypeIterator(); type; type.advance()) {
-    auto byType = type.value();
-    Protocol::ViaType const viaType = type.key();
-    for (auto it = byType->dedupViaKeyIteratorConst(); it; it.advance()) {
-      if (it.key().vrfId() == oldVrfId) routePref->dedupViaKeyDel(viaType, it.key());
+  std::uint32_t weight = 0;
+  OptWeight prevWeight;
+  if (routeList && routeList->routeHas(route.key())) {
+    auto const change =
+        Zel::notifyValues<RouteViaAttr>(static_cast<Zel::Entity const*>(&route), Route::viaId);
+    if (change.inChange) {
+      if (change.after) {
+        weight = change.after->weight();
+        if (change.before && change.before->weight() != change.after->weight()) prevWeight = change.before->weight();
+      } else if (change.before) {
+        weight = change.before->weight();
+      }
+    } else if (route.viaHas(via)) {
+      // Not a change of the via collection (a BFD-tracking change, say): the via as it stands.
+      weight = route.via(via).weight();
     }
   }
+  handleVia(route, via, vrfId_, false, weight, prevWeight);
 }
 
-void RouteConfigSm::delAllBfdTrackedVias(Route const& route, Vrf::VrfIdMap::VrfId oldVrfId) {
-  auto routePref = routePrefIs(route, vrfId_);
-  for (auto it = routePref->bfdTrackedViaCollIterator(); it; it.advance()) {
-    if (it.key().vrfId() == oldVrfId) routePref->bfdTrackedViaCollDel(it.key());
-  }
-}
-
-void RouteConfigSm::addAllDedupViaKey(Route const& route, L3::VrfName const& vrf) {
-  for (auto it = route.viaIteratorConst(); it; it.advance()) {
-    if (it.key().egressVrf() != vrf) continue;
-    Via const via = it.key();
-    handleIpVia(route, via, vrfId_, false, it.value().weight(), std::nullopt);
-  }
+void RouteConfigSm::handleEvpnVia(Route const& route, Via const& via) {
+  RC_TRACE(6, "handleEvpnVia " << route.key() << " " << via << " not entered: EVPN vias are not handled yet");
 }
 
 // ---------------------------------------------------------------------------------------------

@@ -8,6 +8,8 @@
 #include "foundations/runtime/Exception.h"
 #include "foundations/runtime/Flit.h"
 #include "foundations/runtime/Trace.h"
+#include "routecache/RouteCacheRouteHelperSm.h"
+#include "sipvalidation/SipValidationHelper.h"
 
 ZEL_TRACE_FACILITY("StaticRoute::RouteConfigSm");
 
@@ -37,7 +39,8 @@ RouteConfigSm::RouteConfigSm(Inputs const& in)
       auxIpViaConfig_(in.auxIpViaConfig),
       vtepSipValidationStatus_(in.vtepSipValidationStatus),
       vrfName_(in.containerKey.vrfName()),
-      scheduler_(in.scheduler) {
+      scheduler_(in.scheduler),
+      interVrfRoutes_(in.allEgressVrfIntfStatusHelperSm, this, in.containerKey.af(), vrfName_) {
   globalPrefIs(in.routingGeneralConfig ? in.routingGeneralConfig->staticRoutePreference() : RoutePreference());
   // The inputs; a list's nested watchers are built as the list is set (they do nothing until
   // something changes).
@@ -67,6 +70,8 @@ RouteConfigSm::RouteConfigSm(Inputs const& in)
   }
 }
 
+RouteConfigSm::~RouteConfigSm() = default;
+
 void RouteConfigSm::zelDoZombieReactors(bool marked) {
   bool const deleting = marked && !zelMarkedForDeletion();
   StateMachine::zelDoZombieReactors(marked);
@@ -76,14 +81,7 @@ void RouteConfigSm::zelDoZombieReactors(bool marked) {
 
 void RouteConfigSm::handleBaseDel() {
   RC_TRACE(8, "handleBaseDel");
-  if (allEgressVrfIntfStatusHelperSm_) {
-    for (auto const& table : {resolvedInterVrfRtCfg(), unresolvedInterVrfRtCfg()}) {
-      if (!table) continue;
-      for (auto it = table->interVrfRouteConfigIteratorConst(); it; it.advance()) {
-        allEgressVrfIntfStatusHelperSm_->unregisterForVrfIntfStatus(it.key(), this);
-      }
-    }
-  }
+  interVrfRoutes_.unregisterAll();
   if (routeCacheRouteHelperSm_) routeCacheRouteHelperSm_->routeConfigSmCollDel(containerKey_);
 }
 
@@ -102,13 +100,11 @@ void RouteConfigSm::handleInitialized() {
                                                            srConfigDynamic(), vrfName_, vrfId_);
     viaReevaluateWalkSmIs(walk);
     viaReevaluateWalkSmInputIs(walk);
-    sipValidationHelperIs(SipValidationHelper::SipValidationHelperIs(scheduler_, vtepSipValidationStatus_,
-                                                                     srConfigDynamic(), srConfig()));
+    sipValidationHelper_ = SipValidationHelper::SipValidationHelperIs(scheduler_, vtepSipValidationStatus_,
+                                                                     srConfigDynamic(), srConfig());
   }
   initializedIs(true);
   RC_TRACE(1, " Initialized --> True");
-  resolvedInterVrfRtCfgIs(InterVrfRouteByEgressVrf::InterVrfRouteByEgressVrfIs());
-  unresolvedInterVrfRtCfgIs(InterVrfRouteByEgressVrf::InterVrfRouteByEgressVrfIs());
   handleVrfNameStatus();
   if (ipViaConfig_) ipViaConfig_->restartingVrfIs(vrfId_);
   if (evpnViaConfig_) evpnViaConfig_->restartingVrfIs(vrfId_);
@@ -385,7 +381,7 @@ void RouteConfigSm::srHandleRouteDelete(Route const& route, bool leaked) {
     return;
   }
   if (leaked && !leakRouteInUseHas(key)) return;
-  handleInterVrfRoutesDel(route);
+  interVrfRoutes_.routeDel(route);
   if (auto statusRoute = status_->route(key.prefix())) {
     RoutePreference pref = key.preference();
     if (pref == RoutePreference() && globalPref() != RoutePreference()) pref = globalPref();
@@ -423,7 +419,7 @@ void RouteConfigSm::handleRouteKeyDelete(RouteKey const& key) {
     for (auto it = users->configIteratorConst(); it; it.advance()) {
       auto zelConfig = riConfig(it.key());
       if (!zelConfig || !zelConfig->notifier()) continue;
-      if (auto route = zelConfig->notifier()->route(key)) handleInterVrfRoutesDel(*route);
+      if (auto route = zelConfig->notifier()->route(key)) interVrfRoutes_.routeDel(*route);
     }
   }
   auto statusRoute = status_->route(key.prefix());

@@ -2,7 +2,6 @@
 // indexed by that VRF, and what a VRF's coming, going or change of id does to their vias.
 #include "static/RouteConfigSm.h"
 
-#include "foundations/runtime/Exception.h"
 #include "foundations/runtime/Trace.h"
 
 ZEL_TRACE_FACILITY("StaticRoute::RouteConfigSm");
@@ -28,76 +27,10 @@ bool RouteConfigSm::anyViaInEgressVrf(Route const& route, L3::VrfName const& egr
   return false;
 }
 
-void RouteConfigSm::addResolvedInterVrfRoute(Route const& route, L3::VrfName const& egressVrf) {
-  QUILL_ASSERT(vrfNameToIdMap() && vrfNameToIdMap()->vrfNameToIdHas(egressVrf),
-               "vrfNameToIdMap()->vrfNameToIdHas( egressVrf )");
-  auto entry = resolvedInterVrfRtCfg()->interVrfRouteConfigIs(egressVrf);
-  entry->vrfIdIs(egressVrfId(egressVrf));
-  entry->routeConfigIs()->routeIs(route.key(), RouteConstPtr(&route));
-  if (allEgressVrfIntfStatusHelperSm_) allEgressVrfIntfStatusHelperSm_->registerForVrfIntfStatus(egressVrf, this);
-}
-
-void RouteConfigSm::addUnresolvedInterVrfRoute(Route const& route, L3::VrfName const& egressVrf) {
-  auto entry = unresolvedInterVrfRtCfg()->interVrfRouteConfigIs(egressVrf);
-  entry->routeConfigIs()->routeIs(route.key(), RouteConstPtr(&route));
-  if (allEgressVrfIntfStatusHelperSm_) allEgressVrfIntfStatusHelperSm_->registerForVrfIntfStatus(egressVrf, this);
-}
-
-namespace {
-
-// Removes the route from one table; the entry goes with its last route, and the registration
-// with the last entry of either table.
-template <class Unregister>
-void delInterVrfRoute(InterVrfRouteByEgressVrf& table, InterVrfRouteByEgressVrf const& other, RouteKey const& key,
-                      L3::VrfName const& egressVrf, L3::VrfName const& vrfName, Unregister&& unregister) {
-  auto entry = table.interVrfRouteConfig(egressVrf);
-  if (!entry) {
-    TRACE(8, "Vrf: " << vrfName << ", delInterVrfRoute VRF " << egressVrf << " does not exist");
-    return;
-  }
-  auto const& routes = entry->routeConfig();
-  if (!routes || !routes->routeHas(key)) {
-    TRACE(8, "Vrf: " << vrfName << ", delInterVrfRoute prefix " << key << " does not exist");
-    return;
-  }
-  routes->routeDel(key);
-  if (routes->routeSize()) return;
-  table.interVrfRouteConfigDel(egressVrf);
-  if (!other.interVrfRouteConfigHas(egressVrf)) unregister();
-}
-
-}  // namespace
-
-void RouteConfigSm::delResolvedInterVrfRoute(Route const& route, L3::VrfName const& egressVrf) {
-  delInterVrfRoute(*resolvedInterVrfRtCfg(), *unresolvedInterVrfRtCfg(), route.key(), egressVrf, vrfName_, [&] {
-    if (allEgressVrfIntfStatusHelperSm_) allEgressVrfIntfStatusHelperSm_->unregisterForVrfIntfStatus(egressVrf, this);
-  });
-}
-
-void RouteConfigSm::delUnresolvedInterVrfRoute(Route const& route, L3::VrfName const& egressVrf) {
-  delInterVrfRoute(*unresolvedInterVrfRtCfg(), *resolvedInterVrfRtCfg(), route.key(), egressVrf, vrfName_, [&] {
-    if (allEgressVrfIntfStatusHelperSm_) allEgressVrfIntfStatusHelperSm_->unregisterForVrfIntfStatus(egressVrf, this);
-  });
-}
-
-void RouteConfigSm::handleInterVrfRoutesDel(Route const& route) {
-  if (!resolvedInterVrfRtCfg()) return;
-  for (auto it = route.viaIteratorConst(); it; it.advance()) {
-    L3::VrfName const& egressVrf = it.key().egressVrf();
-    if (egressVrf.empty()) continue;
-    delUnresolvedInterVrfRoute(route, egressVrf);
-    delResolvedInterVrfRoute(route, egressVrf);
-  }
-}
-
 void RouteConfigSm::handleInterVrfRoutes(L3::VrfName const& egressVrf) {
   RC_TRACE(8, "handleInterVrfRoutes Handling inter-vrf routes with egress vrf " << egressVrf);
   if (!initialized()) return;
-  for (auto const& table : {resolvedInterVrfRtCfg(), unresolvedInterVrfRtCfg()}) {
-    auto entry = table->interVrfRouteConfig(egressVrf);
-    if (!entry || !entry->routeConfig()) continue;
-    for (auto it = entry->routeConfig()->routeIteratorConst(); it; it.advance()) backlogIs(it.key());
-  }
+  interVrfRoutes_.forEachKey(egressVrf, [this](RouteKey const& key) { backlogIs(key); });
   routeReviewTask()->scheduleTask();
 }
 
@@ -110,7 +43,7 @@ void RouteConfigSm::handleVrfNameToId(L3::VrfName const& vrf) {
 }
 
 void RouteConfigSm::handleVrfDeletion(L3::VrfName const& vrf) {
-  auto entry = resolvedInterVrfRtCfg()->interVrfRouteConfig(vrf);
+  auto entry = interVrfRoutes_.resolved()->interVrfRouteConfig(vrf);
   if (!entry) {
     RC_TRACE(8, "handleVrfDeletion there is no resolved" << " inter-vrf static routes in VRF: " << vrf);
     return;
@@ -122,23 +55,23 @@ void RouteConfigSm::handleVrfDeletion(L3::VrfName const& vrf) {
     RouteConstPtr route = it.value();
     delAllDedupViaKey(*route, oldId);
     delAllBfdTrackedVias(*route, oldId);
-    delResolvedInterVrfRoute(*route, vrf);
-    addUnresolvedInterVrfRoute(*route, vrf);
+    interVrfRoutes_.resolvedDel(route->key(), vrf);
+    interVrfRoutes_.unresolvedAdd(*route, vrf);
   }
 }
 
 void RouteConfigSm::handleVrfAddition(L3::VrfName const& vrf) {
-  if (auto entry = resolvedInterVrfRtCfg()->interVrfRouteConfig(vrf); entry && entry->vrfId() != egressVrfId(vrf)) {
+  if (auto entry = interVrfRoutes_.resolved()->interVrfRouteConfig(vrf); entry && entry->vrfId() != egressVrfId(vrf)) {
     RC_TRACE(2, "handleVrfAddition VRF id changes for VRF: " << vrf);
     handleVrfDeletion(vrf);
   }
-  auto entry = unresolvedInterVrfRtCfg()->interVrfRouteConfig(vrf);
+  auto entry = interVrfRoutes_.unresolved()->interVrfRouteConfig(vrf);
   if (!entry || !entry->routeConfig()) return;
   auto routes = entry->routeConfig();
   for (auto it = routes->routeIterator(); it; it.advance()) {
     RouteConstPtr route = it.value();
     addAllDedupViaKey(*route, vrf);
-    delUnresolvedInterVrfRoute(*route, vrf);
+    interVrfRoutes_.unresolvedDel(route->key(), vrf);
   }
 }
 

@@ -6,6 +6,7 @@
 #include "foundations/runtime/Exception.h"
 #include "foundations/runtime/Flit.h"
 #include "foundations/runtime/Trace.h"
+#include "routecache/RouteCacheRouteHelperSm.h"
 
 ZEL_TRACE_FACILITY("StaticRoute::RouteConfigSm");
 

@@ -3,6 +3,7 @@
 #include "static/RouteConfigSm.h"
 
 #include "foundations/runtime/Trace.h"
+#include "sipvalidation/SipValidationHelper.h"
 
 ZEL_TRACE_FACILITY("StaticRoute::RouteConfigSm");
 

@@ -4,6 +4,7 @@
 
 #include "foundations/runtime/Flit.h"
 #include "foundations/runtime/Trace.h"
+#include "sipvalidation/SipValidationHelper.h"
 
 ZEL_TRACE_FACILITY("StaticRoute::RouteConfigSm");
 

@@ -25,6 +25,7 @@
 #include "RatioReporter.h"
 #include "foundations/runtime/Slab.h"
 #include "foundations/runtime/TaskScheduler.h"
+#include "routecache/RouteCacheRouteHelperSm.h"
 #include "static/RouteConfigSm.h"
 
 namespace BowlineBench {

@@ -3,7 +3,7 @@
 
 #include "foundations/runtime/Toggle.h"
 #include "host/AddressText.h"
-#include "input/RouteInput.h"
+#include "foundations/records/RouteInputByUser.h"
 #include "host/ScenarioReader.h"
 
 namespace Host::ScenarioRead {

@@ -10,9 +10,10 @@
 #include "foundations/runtime/Dir.h"
 #include "foundations/runtime/StateMachine.h"
 #include "input/MartianRouteSm.h"
-#include "input/RouteInput.h"
+#include "foundations/records/RouteInputByUser.h"
 #include "leak/ProtocolRouteLeak.h"
 #include "protocol/ProtocolContainerSm.h"
+#include "routecache/RouteCacheRouteHelperSm.h"
 #include "static/RouteConfigSm.h"
 
 namespace Routing::Input {

@@ -2,7 +2,6 @@
 
 #include "foundations/runtime/Exception.h"
 #include "foundations/runtime/Trace.h"
-#include "static/RouteConfigSm.h"
 
 ZEL_TRACE_FACILITY("StaticRoute::RouteConfigSm");
 
@@ -31,10 +30,11 @@ Quill::Ptr<Protocol::IntfStatus> AllEgressVrfIntfStatusHelperSm::intfStatusOf(L3
   return nullptr;
 }
 
-void AllEgressVrfIntfStatusHelperSm::registerForVrfIntfStatus(L3::VrfName const& vrf, RouteConfigSm* routeConfigSm) {
-  Protocol::ContainerKey const key(vrf, routeConfigSm->containerKey().af());
-  // Registered before the helper exists: creating the helper notifies the registered machines.
-  registeredRouteConfigSmIs(key)->routeConfigSmIs(routeConfigSm);
+void AllEgressVrfIntfStatusHelperSm::registerForVrfIntfStatus(L3::VrfName const& vrf, Ondex::AddressFamily af,
+                                                              EgressVrfIntfStatusClient* client) {
+  Protocol::ContainerKey const key(vrf, af);
+  // Registered before the helper exists: creating the helper notifies the registered clients.
+  registeredClientsIs(key)->clientIs(client);
   if (egressVrfIntfStatusHelperSmHas(key)) return;
   auto intfStatus = intfStatusOf(vrf, key.af(), false);
   if (!intfStatus) return;
@@ -42,15 +42,15 @@ void AllEgressVrfIntfStatusHelperSm::registerForVrfIntfStatus(L3::VrfName const&
   egressVrfIntfStatusHelperSmIs(key, std::move(intfStatus));
 }
 
-void AllEgressVrfIntfStatusHelperSm::unregisterForVrfIntfStatus(L3::VrfName const& vrf,
-                                                                RouteConfigSm* routeConfigSm) {
-  Protocol::ContainerKey const key(vrf, routeConfigSm->containerKey().af());
-  auto registered = registeredRouteConfigSm(key);
+void AllEgressVrfIntfStatusHelperSm::unregisterForVrfIntfStatus(L3::VrfName const& vrf, Ondex::AddressFamily af,
+                                                                EgressVrfIntfStatusClient* client) {
+  Protocol::ContainerKey const key(vrf, af);
+  auto registered = registeredClients(key);
   if (!registered) return;
-  registered->routeConfigSmDel(routeConfigSm);
-  if (registered->routeConfigSmSize()) return;
+  registered->clientDel(client);
+  if (registered->clientSize()) return;
   TRACE(8, " Deleting egressVrfIntfStatusHelperSm for " << key);
-  registeredRouteConfigSmDel(key);
+  registeredClientsDel(key);
   egressVrfIntfStatusHelperSmDel(key);
 }
 
@@ -62,9 +62,9 @@ Quill::Ptr<Protocol::IntfStatus const> AllEgressVrfIntfStatusHelperSm::getVrfInt
 
 void AllEgressVrfIntfStatusHelperSm::notifyIntfStatusChange(Protocol::ContainerKey const& key) {
   TRACE(8, " Notifying routeConfigSms registered for vrf " << key.vrfName() << " to handle their inter-vrf routes");
-  auto registered = registeredRouteConfigSm(key);
+  auto registered = registeredClients(key);
   if (!registered) return;
-  for (auto it = registered->routeConfigSmIteratorConst(); it; it.advance()) {
+  for (auto it = registered->clientIteratorConst(); it; it.advance()) {
     it.key()->handleInterVrfRoutes(key.vrfName());
   }
 }
@@ -79,7 +79,7 @@ void AllEgressVrfIntfStatusHelperSm::handleVrfIp6IntfStatus(L3::VrfName const& v
 
 void AllEgressVrfIntfStatusHelperSm::handleVrfIntfStatus(L3::VrfName const& vrf, Ondex::AddressFamily af) {
   Protocol::ContainerKey const key(vrf, af);
-  if (!registeredRouteConfigSmHas(key)) return;
+  if (!registeredClientsHas(key)) return;
   auto intfStatus = intfStatusOf(vrf, af, false);
   if (intfStatus) {
     if (egressVrfIntfStatusHelperSmHas(key)) return;

@@ -1,7 +1,8 @@
 // Shared by every RouteConfigSm of the agent: for each egress VRF and family that some route
-// machine has inter-VRF routes through, it keeps the machines registered and one helper watching
-// that VRF's interface status, and asks the machines to review those routes when it changes. It
-// watches the IPv4 and IPv6 interface tables of all VRFs. Owned by the hosting agent.
+// machine has inter-VRF routes through, it keeps the machines registered (as clients) and one
+// helper watching that VRF's interface status, and tells the clients when it changes. It watches
+// the IPv4 and IPv6 interface tables of all VRFs and writes its registrations and helpers. Owned
+// by the hosting agent.
 #pragma once
 
 #include "foundations/records/IpIntfStatus.h"
@@ -12,17 +13,25 @@
 
 namespace Routing::Static {
 
-class RouteConfigSm;
+// What the helper asks of a machine registered for an egress VRF's interface status.
+class EgressVrfIntfStatusClient {
+ public:
+  // The interface status of an egress VRF it registered for changed.
+  virtual void handleInterVrfRoutes(L3::VrfName const& egressVrf) = 0;
 
-// The route machines registered for one egress VRF and family; compared by identity, not owned.
-class RegisteredRouteConfigSm : public Zel::Entity {
+ protected:
+  ~EgressVrfIntfStatusClient() = default;
+};
+
+// The clients registered for one egress VRF and family; compared by identity, not owned.
+class RegisteredClients : public Zel::Entity {
  public:
   ZEL_CONST(Protocol::ContainerKey, key)
-  ZEL_SET(RouteConfigSm*, routeConfigSm, 130)
+  ZEL_SET(EgressVrfIntfStatusClient*, client, 130)
 
  protected:
   friend struct Zel::Factory;
-  explicit RegisteredRouteConfigSm(Protocol::ContainerKey const& key) : key_(key) {}
+  explicit RegisteredClients(Protocol::ContainerKey const& key) : key_(key) {}
 };
 
 class AllEgressVrfIntfStatusHelperSm : public Zel::StateMachine<AllEgressVrfIntfStatusHelperSm> {
@@ -34,8 +43,8 @@ class AllEgressVrfIntfStatusHelperSm : public Zel::StateMachine<AllEgressVrfIntf
 
   void handleVrfIpIntfStatus(L3::VrfName const& vrf);
   void handleVrfIp6IntfStatus(L3::VrfName const& vrf);
-  void registerForVrfIntfStatus(L3::VrfName const& vrf, RouteConfigSm* routeConfigSm);
-  void unregisterForVrfIntfStatus(L3::VrfName const& vrf, RouteConfigSm* routeConfigSm);
+  void registerForVrfIntfStatus(L3::VrfName const& vrf, Ondex::AddressFamily af, EgressVrfIntfStatusClient* client);
+  void unregisterForVrfIntfStatus(L3::VrfName const& vrf, Ondex::AddressFamily af, EgressVrfIntfStatusClient* client);
   // The interface status of the VRF: the watched one where a helper exists, else a fresh wrapper
   // around the VRF's current table (which answers no interface when the VRF has none). Never null.
   [[nodiscard]] Quill::Ptr<Protocol::IntfStatus const> getVrfIntfStatus(L3::VrfName const& vrf,
@@ -48,7 +57,7 @@ class AllEgressVrfIntfStatusHelperSm : public Zel::StateMachine<AllEgressVrfIntf
       Zel::On<Ip6::Status::vrfIp6IntfStatusId, &AllEgressVrfIntfStatusHelperSm::handleVrfIp6IntfStatus>>;
   ZEL_INPUT(Ip::Status, ipStatus, IpReactors)
   ZEL_INPUT(Ip6::Status, ip6Status, Ip6Reactors)
-  ZEL_OWNED_MAP(Protocol::ContainerKey, RegisteredRouteConfigSm, registeredRouteConfigSm, 130)
+  ZEL_OWNED_MAP(Protocol::ContainerKey, RegisteredClients, registeredClients, 130)
   ZEL_OWNED_MAP(Protocol::ContainerKey, EgressVrfIntfStatusHelperSm, egressVrfIntfStatusHelperSm, 131)
 
  protected:

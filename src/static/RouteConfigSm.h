@@ -46,22 +46,23 @@
 #include "foundations/runtime/Backlog.h"
 #include "foundations/runtime/StateMachine.h"
 #include "foundations/runtime/TaskMember.h"
-#include "input/RouteInput.h"
+#include "foundations/records/RouteInputByUser.h"
 #include "leak/ProtocolRouteLeak.h"
 #include "protocol/ProtocolContainerKey.h"
 #include "protocol/ProtocolIntf.h"
 #include "protocol/ProtocolRouteStatus.h"
-#include "routecache/RouteCacheRouteHelperSm.h"
-#include "sipvalidation/SipValidationHelper.h"
 #include "static/AllEgressVrfIntfStatusHelperSm.h"
-#include "static/InterVrfRouteConfig.h"
+#include "static/InterVrfRoutes.h"
 #include "static/ResRibProfileContainer.h"
 #include "static/TaggedRouteConfigSm.h"
 #include "static/ViaReevaluateWalkSm.h"
 
 namespace Routing::Static {
 
-class RouteConfigSm : public Zel::StateMachine<RouteConfigSm> {
+class RouteCacheRouteHelperSm;
+class SipValidationHelper;
+
+class RouteConfigSm : public Zel::StateMachine<RouteConfigSm>, public EgressVrfIntfStatusClient {
  public:
   enum ReviewState : std::uint8_t { SUSPENDED = 0, FINISHED = 1, CONTINUE = 2 };
   using OptWeight = std::optional<std::uint32_t>;
@@ -299,13 +300,10 @@ class RouteConfigSm : public Zel::StateMachine<RouteConfigSm> {
   void handleLeakedRouteVia(RouteKey const& key, Via const& via);
 
   // ---- Inter-VRF routes.
-  void addResolvedInterVrfRoute(Route const& route, L3::VrfName const& egressVrf);
-  void addUnresolvedInterVrfRoute(Route const& route, L3::VrfName const& egressVrf);
-  void delResolvedInterVrfRoute(Route const& route, L3::VrfName const& egressVrf);
-  void delUnresolvedInterVrfRoute(Route const& route, L3::VrfName const& egressVrf);
   [[nodiscard]] static bool anyViaInEgressVrf(Route const& route, L3::VrfName const& egressVrf);
-  void handleInterVrfRoutes(L3::VrfName const& egressVrf);
-  void handleInterVrfRoutesDel(Route const& route);
+  // Reviews the routes with a via through the VRF, whose interface status changed.
+  void handleInterVrfRoutes(L3::VrfName const& egressVrf) override;
+  [[nodiscard]] InterVrfRoutes const& interVrfRoutes() const noexcept { return interVrfRoutes_; }
   void handleVrfNameToId(L3::VrfName const& vrf);
   void handleVrfAddition(L3::VrfName const& vrf);
   void handleVrfDeletion(L3::VrfName const& vrf);
@@ -436,13 +434,14 @@ class RouteConfigSm : public Zel::StateMachine<RouteConfigSm> {
   ZEL_ATTR(Quill::Ptr<ViaReevaluateWalkSm>, viaReevaluateWalkSm, 133)
   ZEL_ATTR(Quill::Ptr<NexthopGroup::NhgNameRouteKeyMap>, nhgNameRouteKeyMap, 134)
   ZEL_BACKLOG(RouteKey, backlog)
-  ZEL_ATTR(Quill::Ptr<InterVrfRouteByEgressVrf>, resolvedInterVrfRtCfg, 135)
-  ZEL_ATTR(Quill::Ptr<InterVrfRouteByEgressVrf>, unresolvedInterVrfRtCfg, 136)
   ZEL_TASK(routeReviewTask, doBacklogReview)
   ZEL_TASK(reviewAllRoutesTask, reviewAllRoutes)
   ZEL_MAP(RouteKey, LeakRouteConstPtr, leakRouteInUse, 137)
   ZEL_ATTR(bool, initialized, 138)
-  ZEL_ATTR(Quill::Ptr<SipValidationHelper>, sipValidationHelper, 139)
+  // Static mode: counts the VTEPs the routes' EVPN vias name (made at initialization).
+  [[nodiscard]] Quill::Ptr<SipValidationHelper> const& sipValidationHelper() const noexcept {
+    return sipValidationHelper_;
+  }
   ZEL_ATTR(Quill::Ptr<TaggedRouteConfigSm>, taggedRouteConfigSm, 140)
   ZEL_ATTR(Quill::Ptr<TaggedRouteConfigSm>, taggedRouteDynamicConfigSm, 141)
   ZEL_ATTR(Quill::String, reviewConfigBookmark, 142)
@@ -457,13 +456,29 @@ class RouteConfigSm : public Zel::StateMachine<RouteConfigSm> {
  protected:
   friend struct Zel::Factory;
   explicit RouteConfigSm(Inputs const& inputs);
+  ~RouteConfigSm() override;
   void handleBaseDel();
 
  public:
   void zelDoZombieReactors(bool marked) override;
 
  private:
-  void viaContentAdd(Protocol::RoutePref& routePref, Rib::ViaContent const& content, char const* what);
+  // The steps of handleIpVia.
+  struct IpViaTarget;
+  [[nodiscard]] Rib::ViaContent ipViaContent(Route const& route, Via const& via, std::uint32_t weight) const;
+  [[nodiscard]] Rib::Ip::ViaConfig* ipViaTable(Via const& via) const;
+  // Whether the via names an interface that its VRF does not have; a host route's via with an
+  // interface and no next hop gets the prefix as its next hop.
+  [[nodiscard]] bool ipViaIntfMissing(Route const& route, Via const& via, Rib::ViaContent& content) const;
+  // What a change of the ECMP grouping left of the former grouping's vias.
+  static void dropFormerEcmpGrouping(Protocol::RoutePref& routePref, General::StaticRouteEcmpState ecmp);
+  // The VRF whose via table holds the via; none while its egress VRF does not exist.
+  [[nodiscard]] std::optional<Vrf::VrfIdMap::VrfId> ipViaEgressVrfId(Route const& route, Via const& via,
+                                                                     Vrf::VrfIdMap::VrfId srcVrfId);
+  [[nodiscard]] Ondex::IpGenAddr ipViaLocalAddr(Via const& via) const;
+  void ipViaAdd(Route const& route, Via const& via, IpViaTarget& target, std::uint32_t weight, RouteMetric metric,
+                OptWeight prevWeight);
+  void ipViaDel(Route const& route, Via const& via, IpViaTarget const& target, std::uint32_t weight);
   void taggedWatchersIs();
 
   Zel::ScalarAttr<RoutePreference> globalPref_{RoutePreference()};
@@ -475,6 +490,8 @@ class RouteConfigSm : public Zel::StateMachine<RouteConfigSm> {
   std::optional<RouteKey> reviewKeyBookmark_;
   std::optional<RouteKey> reviewKeyBookmarkDynamic_;
   std::optional<RouteKey> reviewKeyBookmarkLeak_;
+  InterVrfRoutes interVrfRoutes_;
+  Quill::Ptr<SipValidationHelper> sipValidationHelper_;
   Quill::Ptr<ZelTaggedRouteConfigSm> taggedRouteConfigSmWatcher_;
   Quill::Ptr<ZelTaggedRouteConfigSm> taggedRouteDynamicConfigSmWatcher_;
   // Route input: the user whose route is entered in the status store, per key. Looked up only.

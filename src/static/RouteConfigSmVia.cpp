@@ -1,13 +1,16 @@
-// The via side of RouteConfigSm: what one via of a route puts into the via table and the status
-// store, or takes out; the indexes of inter-VRF routes and the VRF events that move them; and the
-// walk that re-handles every via when the ECMP grouping or the resolution profile changes.
+// The vias of RouteConfigSm: what one via of a route puts into the via table and the status store,
+// or takes out, and the walk that re-handles every via when the ECMP grouping or the resolution
+// profile changes. The inter-VRF routes are in RouteConfigSmInterVrf.cpp.
+#include "static/RouteConfigSm.h"
+
 #include "foundations/rib/ResolutionRibProfile.h"
 #include "foundations/runtime/Exception.h"
 #include "foundations/runtime/Flit.h"
+#include "foundations/runtime/NotifyValues.h"
 #include "foundations/runtime/Toggle.h"
 #include "foundations/runtime/Trace.h"
 #include "foundations/types/DynamicTunnelIntfId.h"
-#include "static/RouteConfigSm.h"
+#include "sipvalidation/SipValidationHelper.h"
 
 ZEL_TRACE_FACILITY("StaticRoute::RouteConfigSm");
 
@@ -66,24 +69,74 @@ void RouteConfigSm::handleVia(Route const& route, Via const& via, Vrf::VrfIdMap:
   handleEvpnVia(route, via);
 }
 
+// Where and how one IP via of a route is entered: what handleIpVia works out before it adds the
+// via to, or takes it out of, the route's entry.
+struct RouteConfigSm::IpViaTarget {
+  Rib::ViaContent content;
+  Rib::Ip::ViaConfig* viaConfig = nullptr;
+  Vrf::VrfIdMap::VrfId viaVrfId;
+  Ondex::IpGenAddr localAddr;
+  Quill::Ptr<Protocol::RoutePref> routePref;
+  // Whether the ECMP grouping enters vias at all, and whether it groups them by via type.
+  bool entered = true;
+  bool byViaType = false;
+  [[nodiscard]] Protocol::ViaType viaType() const {
+    return byViaType ? RouteConfigSm::getViaType(content) : Protocol::viaDefault;
+  }
+};
+
 void RouteConfigSm::handleIpVia(Route const& route, Via const& via, Vrf::VrfIdMap::VrfId srcVrfId,
                                 bool ecmpStateChanged, std::uint32_t weight, OptWeight prevWeight) {
   RouteKey const& key = route.key();
-  bool const staticMode = isStaticMode();
+  IpViaTarget target;
+  target.content = ipViaContent(route, via, weight);
+  target.viaConfig = ipViaTable(via);
+  bool const invalidIntf = ipViaIntfMissing(route, via, target.content);
+  target.routePref = routePrefIs(route, srcVrfId);
+  StaticRouteEcmpState const ecmp = ecmpState(routingGeneralConfig());
+  if (ecmpStateChanged) dropFormerEcmpGrouping(*target.routePref, ecmp);
+  auto const viaVrfId = ipViaEgressVrfId(route, via, srcVrfId);
+  if (!viaVrfId) return;
+  target.viaVrfId = *viaVrfId;
+  target.localAddr = ipViaLocalAddr(via);
+
+  // A via is entered when its interface exists, the route configures it, and an MPLS label on it
+  // is allowed by the MPLS settings; otherwise whatever the via entered before goes.
+  bool const hasVia = route.viaHas(via);
+  bool const configured = hasVia || route.viaResRibProfileConfigHas(via);
+  bool const mplsRouting = mplsConfig() && mplsConfig()->mplsRouting();
+  bool const labelOk = !via.mplsLabel().isValid() || !mplsConfig() || mplsRouting;
+  RC_TRACE(8, "handleIpVia " << key << " invalidIntf: " << invalidIntf << " !configRoute->viaHas( via ): " << !hasVia
+                             << " !configRoute->viaResRibProfileConfigHas( via ): "
+                             << !route.viaResRibProfileConfigHas(via)
+                             << " via.mplsLabel().isValid(): " << via.mplsLabel().isValid()
+                             << " mplsConfig()->mplsRouting(): " << mplsRouting);
+  if (isStaticMode()) {
+    target.entered = ecmp == StaticRouteEcmpState::singleGroup || ecmp == StaticRouteEcmpState::groupByViaType;
+    target.byViaType = ecmp == StaticRouteEcmpState::groupByViaType;
+  }
+  if (!invalidIntf && configured && labelOk) {
+    RouteMetric const metric = hasVia ? route.via(via).metric() : 0;
+    ipViaAdd(route, via, target, weight, metric, prevWeight);
+  } else {
+    ipViaDel(route, via, target, weight);
+  }
+}
+
+Rib::ViaContent RouteConfigSm::ipViaContent(Route const& route, Via const& via, std::uint32_t weight) const {
   Rib::ViaContent content(via.hop(), via.intfId());
   Ondex::AddressFamily const viaAf = via.hop().af();
-  Ondex::AddressFamily const af = containerKey_.af();
-
-  // 1. The resolution profile.
   auto const containerProfile = [this] {
     auto const& container = resRibProfileContainer();
     return container ? Rib::ResolutionRibProfileConfig(container->resRibProfile()) : Rib::ResolutionRibProfileConfig();
   };
+  // The resolution profile: the via's own, else (static routes) the container's; an IPv4 next hop
+  // of an IPv6 route carries its label and resolves through the tunnel RIBs by default.
   if (route.viaResRibProfileConfigHas(via)) {
     content.resolutionRibProfileIs(
         Rib::ResolutionRibProfile::fromConfig(route.viaResRibProfileConfig(via), tunnelRibNameIdMap_));
     RC_TRACE(8, "handleIpVia Setting resRibProfileConfig as " << content.resolutionRibProfile() << " for via " << via);
-  } else if (staticMode && viaAf == Ondex::AddressFamily::ipv4 && af == Ondex::AddressFamily::ipv6) {
+  } else if (isStaticMode() && viaAf == Ondex::AddressFamily::ipv4 && containerKey_.af() == Ondex::AddressFamily::ipv6) {
     QUILL_ASSERT(via.mplsLabel().isValid(), "via.mplsLabel().isValid()");
     content.mplsLabelIs(via.mplsLabel().value());
     Rib::ResolutionRibProfileConfig profile = containerProfile();
@@ -95,148 +148,129 @@ void RouteConfigSm::handleIpVia(Route const& route, Via const& via, Vrf::VrfIdMa
     }
     content.resolutionRibProfileIs(profile);
     RC_TRACE(8, "handleIpVia Setting resRibProfileConfig as " << content.resolutionRibProfile() << " for via " << via);
-  } else if (staticMode) {
+  } else if (isStaticMode()) {
     content.resolutionRibProfileIs(containerProfile());
     RC_TRACE(8, "handleIpVia Setting resRibProfileConfig as " << content.resolutionRibProfile() << " for via " << via);
   }
-
-  // 2. Weight and label.
   content.weightIs(static_cast<float>(weight));
   if (via.mplsLabel().isValid()) content.mplsLabelIs(via.mplsLabel().value());
+  return content;
+}
 
-  // 3. The via table: the other family's table for a next hop of the other family.
-  bool const otherFamily = viaAf.isSet() && viaAf != af;
-  if (otherFamily && !staticMode) QUILL_ASSERT(staticMode, "isStaticRoute( routingProtocol() )");
-  Rib::Ip::ViaConfig* viaConfig = (otherFamily && staticMode && auxIpViaConfig_) ? auxIpViaConfig_.get()
-                                                                                  : ipViaConfig_.get();
+Rib::Ip::ViaConfig* RouteConfigSm::ipViaTable(Via const& via) const {
+  // The other family's table for a next hop of the other family (static routes only).
+  Ondex::AddressFamily const viaAf = via.hop().af();
+  bool const otherFamily = viaAf.isSet() && viaAf != containerKey_.af();
+  if (otherFamily && !isStaticMode()) QUILL_ASSERT(isStaticMode(), "isStaticRoute( routingProtocol() )");
+  return (otherFamily && isStaticMode() && auxIpViaConfig_) ? auxIpViaConfig_.get() : ipViaConfig_.get();
+}
 
-  // 4. The interface.
-  bool invalidIntf = false;
-  if (via.hasIntf()) {
-    if (via.hasNoNextHop() && key.prefix().isHostPrefix()) {
-      content.nextHopIs(key.prefix().addr());
-      content.flagsIs(content.flags() | Rib::ViaContent::kFlagNextHopFromHostPrefix);
-      RC_TRACE(8, "handleIpVia Setting the next-hop to the prefix itself because" << " the prefix is a host  prefix");
-    }
-    if (routingProtocol_ == Rib::RoutingProtocol::routeInput()) {
-      if (!Ondex::DynamicTunnelIntfId::isDynamicTunnelIntfId(via.intfId())) {
-        invalidIntf = !intfStatus() || !intfStatus()->intf(via.intfId());
-      }
-    } else if (staticMode) {
-      if (!via.hasEgressVrf()) {
-        invalidIntf = !intfStatus() || !intfStatus()->intf(via.intfId());
-      } else {
-        auto egressIntfStatus = getVrfIntfStatus(via.egressVrf(), af);
-        invalidIntf = !egressIntfStatus || !egressIntfStatus->intf(via.intfId());
-      }
-    }
+bool RouteConfigSm::ipViaIntfMissing(Route const& route, Via const& via, Rib::ViaContent& content) const {
+  if (!via.hasIntf()) return false;
+  RouteKey const& key = route.key();
+  if (via.hasNoNextHop() && key.prefix().isHostPrefix()) {
+    content.nextHopIs(key.prefix().addr());
+    content.flagsIs(content.flags() | Rib::ViaContent::kFlagNextHopFromHostPrefix);
+    RC_TRACE(8, "handleIpVia Setting the next-hop to the prefix itself because" << " the prefix is a host  prefix");
   }
-
-  // 5. The route preference.
-  auto routePref = routePrefIs(route, srcVrfId);
-  StaticRouteEcmpState const ecmp = ecmpState(routingGeneralConfig());
-
-  // 6. What the former ECMP grouping left.
-  if (ecmpStateChanged) {
-    if (ecmp == StaticRouteEcmpState::singleGroup) {
-      for (auto it = routePref->dedupViaKeyByViaTypeIterator(); it; it.advance()) {
-        Protocol::ViaType const type = it.key();
-        if (type != Protocol::viaDefault) routePref->dedupViaKeyDelAll(type);
-      }
-    } else if (ecmp == StaticRouteEcmpState::groupByViaType) {
-      routePref->dedupViaKeyDelAll(Protocol::viaDefault);
-    }
+  if (routingProtocol_ == Rib::RoutingProtocol::routeInput()) {
+    if (Ondex::DynamicTunnelIntfId::isDynamicTunnelIntfId(via.intfId())) return false;
+    return !intfStatus() || !intfStatus()->intf(via.intfId());
   }
+  if (!isStaticMode()) return false;
+  if (!via.hasEgressVrf()) return !intfStatus() || !intfStatus()->intf(via.intfId());
+  auto egressIntfStatus = getVrfIntfStatus(via.egressVrf(), containerKey_.af());
+  return !egressIntfStatus || !egressIntfStatus->intf(via.intfId());
+}
 
-  // 7. The egress VRF.
-  Vrf::VrfIdMap::VrfId viaVrfId = srcVrfId;
+void RouteConfigSm::dropFormerEcmpGrouping(Protocol::RoutePref& routePref, StaticRouteEcmpState ecmp) {
+  if (ecmp == StaticRouteEcmpState::singleGroup) {
+    for (auto it = routePref.dedupViaKeyByViaTypeIterator(); it; it.advance()) {
+      Protocol::ViaType const type = it.key();
+      if (type != Protocol::viaDefault) routePref.dedupViaKeyDelAll(type);
+    }
+  } else if (ecmp == StaticRouteEcmpState::groupByViaType) {
+    routePref.dedupViaKeyDelAll(Protocol::viaDefault);
+  }
+}
+
+std::optional<Vrf::VrfIdMap::VrfId> RouteConfigSm::ipViaEgressVrfId(Route const& route, Via const& via,
+                                                                   Vrf::VrfIdMap::VrfId srcVrfId) {
+  if (!via.hasEgressVrf()) return srcVrfId;
+  // The route is indexed under its egress VRF, as resolved or unresolved, while it has a via there.
+  L3::VrfName const& egressVrf = via.egressVrf();
   bool const hasVia = route.viaHas(via);
-  if (via.hasEgressVrf()) {
-    L3::VrfName const& egressVrf = via.egressVrf();
-    if (!vrfNameToIdMap() || !vrfNameToIdMap()->vrfNameToIdHas(egressVrf)) {
-      RC_TRACE(8, "handleIpVia egress VRF: " << egressVrf << " does not exist");
-      if (hasVia)
-        addUnresolvedInterVrfRoute(route, egressVrf);
-      else if (!anyViaInEgressVrf(route, egressVrf))
-        delUnresolvedInterVrfRoute(route, egressVrf);
-      return;
-    }
-    RC_TRACE(8, "handleIpVia egress VRF: " << egressVrf << " exists");
-    viaVrfId = egressVrfId(egressVrf);
+  if (!vrfNameToIdMap() || !vrfNameToIdMap()->vrfNameToIdHas(egressVrf)) {
+    RC_TRACE(8, "handleIpVia egress VRF: " << egressVrf << " does not exist");
     if (hasVia)
-      addResolvedInterVrfRoute(route, egressVrf);
+      interVrfRoutes_.unresolvedAdd(route, egressVrf);
     else if (!anyViaInEgressVrf(route, egressVrf))
-      delResolvedInterVrfRoute(route, egressVrf);
+      interVrfRoutes_.unresolvedDel(route.key(), egressVrf);
+    return std::nullopt;
   }
+  RC_TRACE(8, "handleIpVia egress VRF: " << egressVrf << " exists");
+  Vrf::VrfIdMap::VrfId const id = egressVrfId(egressVrf);
+  if (hasVia)
+    interVrfRoutes_.resolvedAdd(route, egressVrf, id);
+  else if (!anyViaInEgressVrf(route, egressVrf))
+    interVrfRoutes_.resolvedDel(route.key(), egressVrf);
+  return id;
+}
 
-  // 8. The local address of a BFD-tracked via.
-  Ondex::IpGenAddr localAddr;
-  if (via.localAddr()) {
-    localAddr = *via.localAddr();
-    QUILL_ASSERT(!localAddr.isUnspecified(), "localAddr");
-    if (routingProtocol_ == Rib::RoutingProtocol::routeInput()) {
-      QUILL_ASSERT(toggleRouteInputVxlanBfdEnabled(), "toggleRouteInputVxlanBfdEnabled()");
-    }
+Ondex::IpGenAddr RouteConfigSm::ipViaLocalAddr(Via const& via) const {
+  // The local address of a BFD-tracked via.
+  if (!via.localAddr()) return Ondex::IpGenAddr();
+  Ondex::IpGenAddr const localAddr = *via.localAddr();
+  QUILL_ASSERT(!localAddr.isUnspecified(), "localAddr");
+  if (routingProtocol_ == Rib::RoutingProtocol::routeInput()) {
+    QUILL_ASSERT(toggleRouteInputVxlanBfdEnabled(), "toggleRouteInputVxlanBfdEnabled()");
   }
+  return localAddr;
+}
 
-  // 9, 10. The decision.
-  bool const configured = hasVia || route.viaResRibProfileConfigHas(via);
-  bool const mplsRouting = mplsConfig() && mplsConfig()->mplsRouting();
-  bool const labelOk = !via.mplsLabel().isValid() || !mplsConfig() || mplsRouting;
-  RC_TRACE(8, "handleIpVia " << key << " invalidIntf: " << invalidIntf << " !configRoute->viaHas( via ): " << !hasVia
-                             << " !configRoute->viaResRibProfileConfigHas( via ): "
-                             << !route.viaResRibProfileConfigHas(via)
-                             << " via.mplsLabel().isValid(): " << via.mplsLabel().isValid()
-                             << " mplsConfig()->mplsRouting(): " << mplsRouting);
-  bool const entered = staticMode ? ecmp == StaticRouteEcmpState::singleGroup ||
-                                        ecmp == StaticRouteEcmpState::groupByViaType
-                                  : true;
-  auto const typeFor = [&](Rib::ViaContent const& c) {
-    return (staticMode && ecmp == StaticRouteEcmpState::groupByViaType) ? getViaType(c) : Protocol::viaDefault;
-  };
-
-  if (!invalidIntf && configured && labelOk) {
-    // 11 to 14. Adding.
-    auto viaKey = viaConfig->dedupViaIs(content, viaVrfId);
-    RC_TRACE(6, "handleIpVia " << key << ", Adding Via " << viaKey->viaKey() << ", NextHop: " << content.nextHop()
-                               << ", Intf: " << content.intfId() << ", localAddr: " << localAddr
-                               << ", weight: " << weight);
-    FLIT(6, "RouteConfigSm IP via, prefix: {} via {}", key.prefix(), viaKey->viaKey());
-    if (route.bfdTrackedHas(via)) {
-      routePref->bfdTrackedViaCollIs(viaKey->viaKey(), localAddr);
-    } else if (localAddr.isUnspecified()) {
-      RC_TRACE(6, "handleIpVia bfdTrackedViaCollDel " << viaKey->viaKey());
-      FLIT(6, "RouteConfigSm bfdTrackedViaCollDel {}", viaKey->viaKey());
-      routePref->bfdTrackedViaCollDel(viaKey->viaKey());
-    }
-    RouteMetric const metric = hasVia ? route.via(via).metric() : 0;
-    if (entered) routePref->dedupViaKeyIs(typeFor(content), viaKey, metric);
-    if (prevWeight) {
-      // The via with its former weight goes only now, so the route is never without it.
-      content.weightIs(static_cast<float>(*prevWeight));
-      if (auto former = viaConfig->dedupViaIs(content, viaVrfId)) {
-        if (entered) routePref->dedupViaKeyDel(typeFor(content), former->viaKey());
-      }
-    }
-    return;
+void RouteConfigSm::ipViaAdd(Route const& route, Via const& via, IpViaTarget& target, std::uint32_t weight,
+                             RouteMetric metric, OptWeight prevWeight) {
+  RouteKey const& key = route.key();
+  Protocol::RoutePref& routePref = *target.routePref;
+  auto viaKey = target.viaConfig->dedupViaIs(target.content, target.viaVrfId);
+  RC_TRACE(6, "handleIpVia " << key << ", Adding Via " << viaKey->viaKey() << ", NextHop: " << target.content.nextHop()
+                             << ", Intf: " << target.content.intfId() << ", localAddr: " << target.localAddr
+                             << ", weight: " << weight);
+  FLIT(6, "RouteConfigSm IP via, prefix: {} via {}", key.prefix(), viaKey->viaKey());
+  if (route.bfdTrackedHas(via)) {
+    routePref.bfdTrackedViaCollIs(viaKey->viaKey(), target.localAddr);
+  } else if (target.localAddr.isUnspecified()) {
+    RC_TRACE(6, "handleIpVia bfdTrackedViaCollDel " << viaKey->viaKey());
+    FLIT(6, "RouteConfigSm bfdTrackedViaCollDel {}", viaKey->viaKey());
+    routePref.bfdTrackedViaCollDel(viaKey->viaKey());
   }
+  if (target.entered) routePref.dedupViaKeyIs(target.viaType(), viaKey, metric);
+  if (!prevWeight) return;
+  // The via with its former weight goes only now, so the route is never without it.
+  target.content.weightIs(static_cast<float>(*prevWeight));
+  if (auto former = target.viaConfig->dedupViaIs(target.content, target.viaVrfId)) {
+    if (target.entered) routePref.dedupViaKeyDel(target.viaType(), former->viaKey());
+  }
+}
 
-  // 15 to 19. Deleting.
-  auto viaKey = viaConfig->dedupViaKey(content, viaVrfId);
+void RouteConfigSm::ipViaDel(Route const& route, Via const& via, IpViaTarget const& target, std::uint32_t weight) {
+  RouteKey const& key = route.key();
+  auto viaKey = target.viaConfig->dedupViaKey(target.content, target.viaVrfId);
   if (!viaKey) {
     RC_TRACE(8, "handleIpVia " << key << ", Ignoring Via " << via);
     return;
   }
   RC_TRACE(6, "handleIpVia " << key << ", Deleting Via " << viaKey->viaKey() << ", Weight: " << weight);
-  Ondex::IpGenAddr const tracked = routePref->bfdTrackedViaColl(viaKey->viaKey());
-  if (tracked != localAddr) {
+  Protocol::RoutePref& routePref = *target.routePref;
+  Ondex::IpGenAddr const tracked = routePref.bfdTrackedViaColl(viaKey->viaKey());
+  if (tracked != target.localAddr) {
     RC_TRACE(6, "handleIpVia skip deleting via " << viaKey->viaKey() << " due to localAddr mismatch: " << tracked
-                                                << " " << localAddr);
+                                                << " " << target.localAddr);
     FLIT(6, "RouteConfigSm skip deleting via {}", viaKey->viaKey());
     return;
   }
-  routePref->bfdTrackedViaCollDel(viaKey->viaKey());
-  if (entered) routePref->dedupViaKeyDel(typeFor(content), viaKey->viaKey());
+  routePref.bfdTrackedViaCollDel(viaKey->viaKey());
+  if (target.entered) routePref.dedupViaKeyDel(target.viaType(), viaKey->viaKey());
 }
 
 void RouteConfigSm::handleRouteViaResRibProfileConfig(Route const& route, Via const& via) {
@@ -246,163 +280,44 @@ void RouteConfigSm::handleRouteViaResRibProfileConfig(Route const& route, Via co
 }
 
 // ---------------------------------------------------------------------------------------------
-// Inter-VRF routes.
+// A changed via of a configured route.
 
-Vrf::VrfIdMap::VrfId RouteConfigSm::egressVrfId(L3::VrfName const& vrf) const {
-  return vrfNameToIdMap() ? vrfNameToIdMap()->vrfIdOf(vrf) : Vrf::VrfIdMap::VrfId::none();
-}
-
-Quill::Ptr<Protocol::IntfStatus const> RouteConfigSm::getVrfIntfStatus(L3::VrfName const& vrf,
-                                                                       Ondex::AddressFamily af) const {
-  if (!allEgressVrfIntfStatusHelperSm_) return nullptr;
-  return allEgressVrfIntfStatusHelperSm_->getVrfIntfStatus(vrf, af);
-}
-
-bool RouteConfigSm::anyViaInEgressVrf(Route const& route, L3::VrfName const& egressVrf) {
-  for (auto it = route.viaIteratorConst(); it; it.advance()) {
-    if (it.key().egressVrf() == egressVrf) return true;
+void RouteConfigSm::handleRouteVia(Route const& route, Via const& via, RouteList const* routeList,
+                                   SipValidationHelper* sipValidationHelper) {
+  RC_TRACE(8, "handleRouteVia " << route.key() << " Via: " << via << " has " << route.vias() << " vias");
+  if (sipValidationHelper) {
+    sipValidationHelper->maybeUpdateVtepSipValidation(route, via, route.viaHas(via));
+    if (sipValidationHelper->checkOnlyEvpnViaVtepSipValidationChange(route, via)) return;
   }
-  return false;
-}
-
-void RouteConfigSm::addResolvedInterVrfRoute(Route const& route, L3::VrfName const& egressVrf) {
-  QUILL_ASSERT(vrfNameToIdMap() && vrfNameToIdMap()->vrfNameToIdHas(egressVrf),
-               "vrfNameToIdMap()->vrfNameToIdHas( egressVrf )");
-  auto entry = resolvedInterVrfRtCfg()->interVrfRouteConfigIs(egressVrf);
-  entry->vrfIdIs(egressVrfId(egressVrf));
-  entry->routeConfigIs()->routeIs(route.key(), RouteConstPtr(&route));
-  if (allEgressVrfIntfStatusHelperSm_) allEgressVrfIntfStatusHelperSm_->registerForVrfIntfStatus(egressVrf, this);
-}
-
-void RouteConfigSm::addUnresolvedInterVrfRoute(Route const& route, L3::VrfName const& egressVrf) {
-  auto entry = unresolvedInterVrfRtCfg()->interVrfRouteConfigIs(egressVrf);
-  entry->routeConfigIs()->routeIs(route.key(), RouteConstPtr(&route));
-  if (allEgressVrfIntfStatusHelperSm_) allEgressVrfIntfStatusHelperSm_->registerForVrfIntfStatus(egressVrf, this);
-}
-
-namespace {
-
-// Removes the route from one table; the entry goes with its last route, and the registration
-// with the last entry of either table.
-template <class Unregister>
-void delInterVrfRoute(InterVrfRouteByEgressVrf& table, InterVrfRouteByEgressVrf const& other, RouteKey const& key,
-                      L3::VrfName const& egressVrf, L3::VrfName const& vrfName, Unregister&& unregister) {
-  auto entry = table.interVrfRouteConfig(egressVrf);
-  if (!entry) {
-    TRACE(8, "Vrf: " << vrfName << ", delInterVrfRoute VRF " << egressVrf << " does not exist");
+  if (!checkCommandTagInEnabledStatus(route.commandTagId())) return;
+  if (viasFixedByType(route)) return;
+  if (isStaticMode() && srAtGlobalPrefExplicitly(route.key())) {
+    // It has no entry of its own (it would be another route's): its review decides.
+    handleRoute(route.key());
     return;
   }
-  auto const& routes = entry->routeConfig();
-  if (!routes || !routes->routeHas(key)) {
-    TRACE(8, "Vrf: " << vrfName << ", delInterVrfRoute prefix " << key << " does not exist");
-    return;
-  }
-  routes->routeDel(key);
-  if (routes->routeSize()) return;
-  table.interVrfRouteConfigDel(egressVrf);
-  if (!other.interVrfRouteConfigHas(egressVrf)) unregister();
-}
-
-}  // namespace
-
-void RouteConfigSm::delResolvedInterVrfRoute(Route const& route, L3::VrfName const& egressVrf) {
-  delInterVrfRoute(*resolvedInterVrfRtCfg(), *unresolvedInterVrfRtCfg(), route.key(), egressVrf, vrfName_, [&] {
-    if (allEgressVrfIntfStatusHelperSm_) allEgressVrfIntfStatusHelperSm_->unregisterForVrfIntfStatus(egressVrf, this);
-  });
-}
-
-void RouteConfigSm::delUnresolvedInterVrfRoute(Route const& route, L3::VrfName const& egressVrf) {
-  delInterVrfRoute(*unresolvedInterVrfRtCfg(), *resolvedInterVrfRtCfg(), route.key(), egressVrf, vrfName_, [&] {
-    if (allEgressVrfIntfStatusHelperSm_) allEgressVrfIntfStatusHelperSm_->unregisterForVrfIntfStatus(egressVrf, this);
-  });
-}
-
-void RouteConfigSm::handleInterVrfRoutesDel(Route const& route) {
-  if (!resolvedInterVrfRtCfg()) return;
-  for (auto it = route.viaIteratorConst(); it; it.advance()) {
-    L3::VrfName const& egressVrf = it.key().egressVrf();
-    if (egressVrf.empty()) continue;
-    delUnresolvedInterVrfRoute(route, egressVrf);
-    delResolvedInterVrfRoute(route, egressVrf);
-  }
-}
-
-void RouteConfigSm::handleInterVrfRoutes(L3::VrfName const& egressVrf) {
-  RC_TRACE(8, "handleInterVrfRoutes Handling inter-vrf routes with egress vrf " << egressVrf);
-  if (!initialized()) return;
-  for (auto const& table : {resolvedInterVrfRtCfg(), unresolvedInterVrfRtCfg()}) {
-    auto entry = table->interVrfRouteConfig(egressVrf);
-    if (!entry || !entry->routeConfig()) continue;
-    for (auto it = entry->routeConfig()->routeIteratorConst(); it; it.advance()) backlogIs(it.key());
-  }
-  routeReviewTask()->scheduleTask();
-}
-
-void RouteConfigSm::handleVrfNameToId(L3::VrfName const& vrf) {
-  if (!initialized()) return;
-  if (vrfNameToIdMap() && vrfNameToIdMap()->vrfIdExists(vrf))
-    handleVrfAddition(vrf);
-  else
-    handleVrfDeletion(vrf);
-}
-
-void RouteConfigSm::handleVrfDeletion(L3::VrfName const& vrf) {
-  auto entry = resolvedInterVrfRtCfg()->interVrfRouteConfig(vrf);
-  if (!entry) {
-    RC_TRACE(8, "handleVrfDeletion there is no resolved" << " inter-vrf static routes in VRF: " << vrf);
-    return;
-  }
-  Vrf::VrfIdMap::VrfId const oldId = entry->vrfId();
-  auto routes = entry->routeConfig();  // kept alive while the entry may go
-  if (!routes) return;
-  for (auto it = routes->routeIterator(); it; it.advance()) {
-    RouteConstPtr route = it.value();
-    delAllDedupViaKey(*route, oldId);
-    delAllBfdTrackedVias(*route, oldId);
-    delResolvedInterVrfRoute(*route, vrf);
-    addUnresolvedInterVrfRoute(*route, vrf);
-  }
-}
-
-void RouteConfigSm::handleVrfAddition(L3::VrfName const& vrf) {
-  if (auto entry = resolvedInterVrfRtCfg()->interVrfRouteConfig(vrf); entry && entry->vrfId() != egressVrfId(vrf)) {
-    RC_TRACE(2, "handleVrfAddition VRF id changes for VRF: " << vrf);
-    handleVrfDeletion(vrf);
-  }
-  auto entry = unresolvedInterVrfRtCfg()->interVrfRouteConfig(vrf);
-  if (!entry || !entry->routeConfig()) return;
-  auto routes = entry->routeConfig();
-  for (auto it = routes->routeIterator(); it; it.advance()) {
-    RouteConstPtr route = it.value();
-    addAllDedupViaKey(*route, vrf);
-    delUnresolvedInterVrfRoute(*route, vrf);
-  }
-}
-
-void RouteConfigSm::delAllDedupViaKey(Route const& route, Vrf::VrfIdMap::VrfId oldVrfId) {
-  auto routePref = routePrefIs(route, vrfId_);
-  for (auto type = routePref->dedupViaKeyByViaTypeIterator(); type; type.advance()) {
-    auto byType = type.value();
-    Protocol::ViaType const viaType = type.key();
-    for (auto it = byType->dedupViaKeyIteratorConst(); it; it.advance()) {
-      if (it.key().vrfId() == oldVrfId) routePref->dedupViaKeyDel(viaType, it.key());
+  std::uint32_t weight = 0;
+  OptWeight prevWeight;
+  if (routeList && routeList->routeHas(route.key())) {
+    auto const change =
+        Zel::notifyValues<RouteViaAttr>(static_cast<Zel::Entity const*>(&route), Route::viaId);
+    if (change.inChange) {
+      if (change.after) {
+        weight = change.after->weight();
+        if (change.before && change.before->weight() != change.after->weight()) prevWeight = change.before->weight();
+      } else if (change.before) {
+        weight = change.before->weight();
+      }
+    } else if (route.viaHas(via)) {
+      // Not a change of the via collection (a BFD-tracking change, say): the via as it stands.
+      weight = route.via(via).weight();
     }
   }
+  handleVia(route, via, vrfId_, false, weight, prevWeight);
 }
 
-void RouteConfigSm::delAllBfdTrackedVias(Route const& route, Vrf::VrfIdMap::VrfId oldVrfId) {
-  auto routePref = routePrefIs(route, vrfId_);
-  for (auto it = routePref->bfdTrackedViaCollIterator(); it; it.advance()) {
-    if (it.key().vrfId() == oldVrfId) routePref->bfdTrackedViaCollDel(it.key());
-  }
-}
-
-void RouteConfigSm::addAllDedupViaKey(Route const& route, L3::VrfName const& vrf) {
-  for (auto it = route.viaIteratorConst(); it; it.advance()) {
-    if (it.key().egressVrf() != vrf) continue;
-    Via const via = it.key();
-    handleIpVia(route, via, vrfId_, false, it.value().weight(), std::nullopt);
-  }
+void RouteConfigSm::handleEvpnVia(Route const& route, Via const& via) {
+  RC_TRACE(6, "handleEvpnVia " << route.key() << " " << via << " not entered: EVPN vias are not handled yet");
 }
 
 // ---------------------------------------------------------------------------------------------

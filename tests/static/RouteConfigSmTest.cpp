@@ -440,15 +440,15 @@ TEST_F(RouteConfigSmTest, EgressVrfUnknownCreatedDeletedAndRenumbered) {
   h.routeIs(*h.config, "70.0.0.0/8")->viaIs(via, {});
   start();
   EXPECT_EQ(h.viasOf("70.0.0.0/8"), Set{});
-  EXPECT_TRUE(h.sm->unresolvedInterVrfRtCfg()->interVrfRouteConfigHas("red"));
+  EXPECT_TRUE(h.sm->interVrfRoutes().unresolved()->interVrfRouteConfigHas("red"));
   Routing::Protocol::ContainerKey const redKey("red", h.af);
-  EXPECT_TRUE(h.egress->registeredRouteConfigSmHas(redKey));
+  EXPECT_TRUE(h.egress->registeredClientsHas(redKey));
 
   // The VRF gets an id; its interface table is still missing, so the interface is not there.
   h.nameMap->vrfNameToIdIs("red", 5);
   runToIdle();
-  EXPECT_TRUE(h.sm->resolvedInterVrfRtCfg()->interVrfRouteConfigHas("red"));
-  EXPECT_FALSE(h.sm->unresolvedInterVrfRtCfg()->interVrfRouteConfigHas("red"));
+  EXPECT_TRUE(h.sm->interVrfRoutes().resolved()->interVrfRouteConfigHas("red"));
+  EXPECT_FALSE(h.sm->interVrfRoutes().unresolved()->interVrfRouteConfigHas("red"));
   EXPECT_EQ(h.viasOf("70.0.0.0/8"), Set{});
 
   // Its interfaces appear: a helper watches them and the route is reviewed.
@@ -461,20 +461,20 @@ TEST_F(RouteConfigSmTest, EgressVrfUnknownCreatedDeletedAndRenumbered) {
   h.nameMap->vrfNameToIdIs("red", 6);
   runToIdle();
   EXPECT_EQ(h.viasOf("70.0.0.0/8"), Set{"1: nextHop 10.5.0.1 intf Ethernet5 weight 0 vrf 6"});
-  EXPECT_EQ(h.sm->resolvedInterVrfRtCfg()->interVrfRouteConfig("red")->vrfId(), Vrf::VrfIdMap::VrfId(6));
+  EXPECT_EQ(h.sm->interVrfRoutes().resolved()->interVrfRouteConfig("red")->vrfId(), Vrf::VrfIdMap::VrfId(6));
 
   // Deleted: back to unresolved, no via.
   h.nameMap->vrfNameToIdDel("red");
   runToIdle();
   EXPECT_EQ(h.viasOf("70.0.0.0/8"), Set{});
-  EXPECT_TRUE(h.sm->unresolvedInterVrfRtCfg()->interVrfRouteConfigHas("red"));
-  EXPECT_FALSE(h.sm->resolvedInterVrfRtCfg()->interVrfRouteConfigHas("red"));
+  EXPECT_TRUE(h.sm->interVrfRoutes().unresolved()->interVrfRouteConfigHas("red"));
+  EXPECT_FALSE(h.sm->interVrfRoutes().resolved()->interVrfRouteConfigHas("red"));
 
   // The route goes: the indexes and the registration go with it.
   h.config->routeDel(routeKey("70.0.0.0/8"));
   runToIdle();
-  EXPECT_FALSE(h.sm->unresolvedInterVrfRtCfg()->interVrfRouteConfigHas("red"));
-  EXPECT_FALSE(h.egress->registeredRouteConfigSmHas(redKey));
+  EXPECT_FALSE(h.sm->interVrfRoutes().unresolved()->interVrfRouteConfigHas("red"));
+  EXPECT_FALSE(h.egress->registeredClientsHas(redKey));
   EXPECT_FALSE(h.egress->egressVrfIntfStatusHelperSmHas(redKey));
   EXPECT_EQ(h.ipViaConfig->viaSize(), 0u);
 }
@@ -502,7 +502,7 @@ TEST_F(RouteConfigSmTest, TeardownReleasesEverything) {
     runToIdle();
     EXPECT_EQ(local.status->routeSize(), 0u) << "the delete handlers took the routes out";
     EXPECT_EQ(local.ipViaConfig->viaSize(), 0u);
-    EXPECT_FALSE(local.egress->registeredRouteConfigSmHas(Routing::Protocol::ContainerKey("blue", local.af)));
+    EXPECT_FALSE(local.egress->registeredClientsHas(Routing::Protocol::ContainerKey("blue", local.af)));
   }
   runToIdle();
   EXPECT_EQ(Plinth::liveCount<Routing::Static::RouteConfigSm>(), 0);

@@ -13,6 +13,7 @@
 #include "foundations/records/IpIntfStatus.h"
 #include "foundations/runtime/TaskScheduler.h"
 #include "protocol/ProtocolIntfSm.h"
+#include "routecache/RouteCacheRouteHelperSm.h"
 #include "static/RouteConfigSm.h"
 
 namespace BowlineTest {

@@ -8,12 +8,17 @@ namespace Host {
 
 std::string IntfAddress::toString() const { return fmt::format("{}/{}", addr, unsigned(len)); }
 
-Routing::Via Via::routingVia() const {
+Routing::Via Via::identity() const {
   Routing::Via v(nexthop, intf);
   if (!labels.empty()) v.mplsLabelIs(labels.front());
   if (!egressVrf.empty()) v.egressVrfIs(L3::VrfName(egressVrf));
-  if (localAddr) v.localAddrIs(*localAddr);
   if (isEvpn()) v.vtepAddrIs(vtep).vniIs(vni).routerMacIs(routerMac).vtepSipValidationIs(vtepSipValidation);
+  return v;
+}
+
+Routing::Via Via::routingVia() const {
+  Routing::Via v = identity();
+  if (localAddr) v.localAddrIs(*localAddr);
   return v;
 }
 

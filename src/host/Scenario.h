@@ -77,6 +77,9 @@ struct Via {
   [[nodiscard]] bool isEvpn() const { return vtep.af().isSet(); }
   // The identity of this via in a configured route, and what the route keeps beside it.
   [[nodiscard]] Routing::Via routingVia() const;
+  // The via as the RIB tells vias apart: the BFD session's local address rides beside it, as metric
+  // and weight do (two vias of a route that differ only in those are one via).
+  [[nodiscard]] Routing::Via identity() const;
   [[nodiscard]] Routing::RouteViaAttr viaAttr() const { return Routing::RouteViaAttr(metric, weight); }
 };
 

@@ -363,11 +363,11 @@ std::optional<StaticRoute> Reader::route(Node const& n, std::string const& path,
     }
   }
   if (auto vs = m.get("vias")) {
-    std::set<Routing::Via> seen;  // a via's identity; metric and weight ride beside it
+    std::set<Routing::Via> seen;  // a via's identity; metric, weight and local address ride beside it
     forEach(*vs, m.path("vias"), [&](Node const& e, std::string const& p) {
       auto v = via(e, p, form);
       if (!v) return;
-      if (!seen.insert(v->routingVia()).second) error(e, p, "the same via is given twice");
+      if (!seen.insert(v->identity()).second) error(e, p, "the same via is given twice");
       r.vias.push_back(std::move(*v));
     });
   }

@@ -340,6 +340,16 @@ void Switch::routeInto(Routing::RouteList& list, StaticRoute const& route, Route
   if (route.ribBypass) r->ribBypassIs(true);
   for (auto const& via : route.vias) {
     Routing::Via const v = via.routingVia();
+    // The same via with another BFD local address is this one, changed.
+    std::vector<Routing::Via> former;
+    for (auto it = r->viaIteratorConst(); it; it.advance()) {
+      Routing::Via other = it.key();
+      if (other != v && other.localAddrDel() == via.identity()) former.push_back(it.key());
+    }
+    for (auto const& f : former) {
+      r->bfdTrackedDel(f);
+      r->viaDel(f);
+    }
     r->viaIs(v, via.viaAttr());
     if (via.bfd) r->bfdTrackedIs(v);
   }

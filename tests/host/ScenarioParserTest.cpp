@@ -301,6 +301,10 @@ TEST(ScenarioParserTest, EachClassOfErrorNamesFileLineAndField) {
       {"same via twice",
        "routes: [{prefix: 10.0.0.0/8, vias: [{nexthop: 1.1.1.1}, {nexthop: 1.1.1.1, metric: 2}]}]\n",
        {"s.yaml:1: routes[0].vias[1]: the same via is given twice"}},
+      {"same via with another BFD local address",
+       "routes: [{prefix: 10.0.0.0/8, vias: [{nexthop: 1.1.1.1}, {nexthop: 1.1.1.1, bfd: true, local_address: "
+       "1.1.1.2}]}]\n",
+       {"s.yaml:1: routes[0].vias[1]: the same via is given twice"}},
       {"bad community",
        "routes: [{prefix: 10.0.0.0/8, type: drop, communities: [\"70000:1\"]}]\n",
        {"s.yaml:1: routes[0].communities[0]: \"70000:1\" is not a community (a number or AS:NN)"}},

@@ -77,6 +77,9 @@ void RouteConfigSm::NestedSm_RouteDynamic::onAttribute(Zel::AttrId id, void cons
   if (id == Route::viaId) {
     handleRouteDynamicVia(*static_cast<Via const*>(key));
   } else if (id == Route::bfdTrackedId) {
+    // Under a static route of the key the dynamic route's vias are not in the status store, and
+    // neither is its BFD tracking.
+    if (parent->srConfig() && parent->srConfig()->routeHas(this->key())) return;
     parent->handleRouteVia(*route, *static_cast<Via const*>(key), parent->srConfigDynamic().get(),
                            parent->sipValidationHelper().get());
   }

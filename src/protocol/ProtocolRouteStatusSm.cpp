@@ -23,29 +23,15 @@ constexpr std::uint32_t kMaxViaSetSize = Rib::Skein::ViaSet::kMaxVias;
 }  // namespace
 
 RouteStatusSm::RouteStatusSm(Inputs const& in)
-    : vrfName_(in.vrfName),
-      af_(in.af),
-      vrfId_(in.vrfId),
-      ribConfig_(in.ribConfig),
-      viaSetConfig_(in.viaSetConfig),
-      routingProtocol_(in.routingProtocol),
-      vrfReadyStatus_(in.vrfReadyStatus),
+    : StateMachine() ROUTE_STATUS_SM_INPUTS(ZEL_INPUTS_INIT),
       bfdTrackedRoutesListWritable_(in.bfdTrackedRoutesList),
-      ipViaConfig_(in.ipViaConfig),
-      auxIpViaConfig_(in.auxIpViaConfig),
-      viaMetricStatusByVrf_(in.viaMetricStatusByVrf),
-      ribString_(in.ribString),
       rib_(false),
-      viaStatusByVrf_(in.viaStatusByVrf),
-      igpResultTable_(in.igpResultTable),
       statusWritable_(in.status),
       viaWeightChange_(toggleViaWeightChangeEnabled()),
       scheduler_(in.scheduler ? in.scheduler : Halyard::TaskSchedulerRoot::findOrCreateScheduler()) {
   statusIs(in.status);
-  loopingRouteStatusIs(in.loopingRouteStatus);
-  nhdGraphIs(in.nhdGraph);
+  ROUTE_STATUS_SM_INPUTS(ZEL_INPUTS_SET)
   bfdTrackedRoutesListIs(in.bfdTrackedRoutesList);
-  routingGeneralConfigIs(in.routingGeneralConfig);
   handleInitialized();
 }
 

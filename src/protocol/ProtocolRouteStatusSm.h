@@ -139,6 +139,11 @@ class RouteStatusSm : public Zel::StateMachine<RouteStatusSm> {
   void handleStatusInitialized() { doReview(); }
 
   // ---- Via validation.
+  // What the selection does with one via of a preference: skips it (unresolved or looping), waits
+  // for the RIB's report on it (the whole prefix waits), or may use it.
+  enum class ViaUse : std::uint8_t { skip, pending, usable };
+  [[nodiscard]] ViaUse viaUse(Prefix const& prefix, RoutePreference preference, RoutePref const& routePref,
+                              Rib::ViaKey const& viaKey) const;
   [[nodiscard]] Quill::Ptr<Rib::ViaMetricStatus> viaMetricStatus(VrfId vrfId, Rib::Transport transport,
                                                                  Rib::RoutingProtocol protocol) const;
   [[nodiscard]] ViaResolutionStatus validIpVia(Prefix const& prefix, RoutePreference preference,

@@ -48,8 +48,9 @@ void RoutingAgent::doReleaseContainers(VrfContainers& holder) {
   while (!holder.containers.empty()) holder.containers.erase(std::prev(holder.containers.end()));
 }
 
-Quill::Ptr<Routing::Input::ContainerSm> RoutingAgent::container(L3::VrfName const& vrf, Ondex::AddressFamily af,
-                                                                Protocol protocol) const {
+Quill::Ptr<Routing::Input::RouteInputContainerSm> RoutingAgent::container(L3::VrfName const& vrf,
+                                                                          Ondex::AddressFamily af,
+                                                                          Protocol protocol) const {
   auto it = vrfs_.find(vrf);
   if (it == vrfs_.end()) return nullptr;
   auto c = it->second.containers.find({af.value(), protocol.value()});
@@ -84,11 +85,12 @@ void RoutingAgent::vrfDel(L3::VrfName const& vrf) {
   }
 }
 
-Quill::Ptr<Routing::Input::ContainerSm> RoutingAgent::containerIs(L3::VrfName const& vrf, Ondex::AddressFamily af,
-                                                                  RootSm const& root, VrfConfig const& config,
-                                                                  VrfContainers const& holder) {
+Quill::Ptr<Routing::Input::RouteInputContainerSm> RoutingAgent::containerIs(L3::VrfName const& vrf,
+                                                                            Ondex::AddressFamily af, RootSm const& root,
+                                                                            VrfConfig const& config,
+                                                                            VrfContainers const& holder) {
   bool const v4 = af.isV4();
-  Routing::Input::ContainerSm::Inputs in;
+  Routing::Input::RouteInputContainerSm::Inputs in;
   in.containerKey = Routing::Protocol::ContainerKey(vrf, af);
   in.routingProtocol = root.routingProtocol();
   in.ipViaConfig = v4 ? root.ipv4AllVrfViaConfig() : root.ipv6AllVrfViaConfig();
@@ -124,16 +126,16 @@ Quill::Ptr<Routing::Input::ContainerSm> RoutingAgent::containerIs(L3::VrfName co
   in.configTagStatus = env_.configTagStatus;
   in.configTagIdState = env_.configTagIdState;
   if (root.routingProtocol() == Protocol::staticConfig()) {
-    in.config = config.config;
-    in.configDynamic = config.configDynamic;
-    in.taggedConfig = config.taggedConfig;
-    in.taggedDynamicConfig = config.taggedDynamicConfig;
+    in.srConfig = config.config;
+    in.srConfigDynamic = config.configDynamic;
+    in.srTaggedConfig = config.taggedConfig;
+    in.srTaggedDynamicConfig = config.taggedDynamicConfig;
   } else {
     in.configDir = config.configDir;
     in.configTagDir = config.configTagDir;
   }
   in.routeStatusDir = root.routeStatusDir();
-  return Routing::Input::ContainerSm::ContainerSmIs(in);
+  return Routing::Input::RouteInputContainerSm::RouteInputContainerSmIs(in);
 }
 
 }  // namespace Host

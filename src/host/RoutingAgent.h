@@ -21,7 +21,7 @@
 #include "foundations/runtime/Dir.h"
 #include "foundations/runtime/Mount.h"
 #include "foundations/runtime/TaskScheduler.h"
-#include "input/ContainerSm.h"
+#include "input/RouteInputContainerSm.h"
 #include "protocol/ProtocolRootSm.h"
 #include "static/AllEgressVrfIntfStatusHelperSm.h"
 #include "static/ResRibProfileContainer.h"
@@ -83,8 +83,9 @@ class RoutingAgent {
   [[nodiscard]] Quill::Ptr<Routing::Protocol::AllVrfRibSeqTrigger> const& allVrfRibSeqTrigger() const noexcept {
     return allVrfRibSeqTrigger_;
   }
-  [[nodiscard]] Quill::Ptr<Routing::Input::ContainerSm> container(L3::VrfName const& vrf, Ondex::AddressFamily af,
-                                                                  Protocol protocol) const;
+  [[nodiscard]] Quill::Ptr<Routing::Input::RouteInputContainerSm> container(L3::VrfName const& vrf,
+                                                                            Ondex::AddressFamily af,
+                                                                            Protocol protocol) const;
   // The hosting agent's word that ready verification may start, given to every root's state.
   void startReadyVerificationIs(bool start);
 
@@ -94,9 +95,9 @@ class RoutingAgent {
     // a static and an injected route of one key are two routes.
     std::map<std::uint16_t, Quill::Ptr<Routing::BfdTrackedStaticRoutesList>> bfdTrackedRoutesLists;
     // By (family, protocol), built in this order and released in reverse.
-    std::map<std::pair<int, std::uint16_t>, Quill::Ptr<Routing::Input::ContainerSm>> containers;
+    std::map<std::pair<int, std::uint16_t>, Quill::Ptr<Routing::Input::RouteInputContainerSm>> containers;
   };
-  Quill::Ptr<Routing::Input::ContainerSm> containerIs(L3::VrfName const& vrf, Ondex::AddressFamily af,
+  Quill::Ptr<Routing::Input::RouteInputContainerSm> containerIs(L3::VrfName const& vrf, Ondex::AddressFamily af,
                                                       Routing::Protocol::RootSm const& root, VrfConfig const& config,
                                                       VrfContainers const& holder);
   void doReleaseContainers(VrfContainers& holder);

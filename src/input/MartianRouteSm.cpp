@@ -24,11 +24,11 @@ constexpr std::array<Row, 3> kIpv6Rows{{{"::/96", RouteType::drop},
                                         {"::ffff:127.0.0.0/104", RouteType::forward}}};
 
 bool doNotInstall() {
-  return std::getenv(std::string(RouteSm::doNotInstallMartianEnvVar).c_str()) != nullptr;
+  return std::getenv(std::string(MartianRouteSm::doNotInstallMartianEnvVar).c_str()) != nullptr;
 }
 
 template <std::size_t N>
-void addRows(RouteSm& sm, std::array<Row, N> const& rows) {
+void addRows(MartianRouteSm& sm, std::array<Row, N> const& rows) {
   if (doNotInstall()) {
     TRACE(0, "doNotInstallMartian is true");
     return;
@@ -42,7 +42,8 @@ void cleanup(RouteList& config, std::array<Row, N> const& rows, char const* name
   for (auto it = config.routeIterator(); it; it.advance()) {
     RouteKey const key = it.key();
     bool keep = false;
-    for (Row const& row : rows) keep = keep || key == RouteKey(*Ondex::IpGenPrefix::fromString(row.prefix), RouteSm::preference);
+    for (Row const& row : rows)
+      keep = keep || key == RouteKey(*Ondex::IpGenPrefix::fromString(row.prefix), MartianRouteSm::preference);
     if (keep) continue;
     TRACE(6, name << "(" << key << "), deleting route");
     config.routeDel(key);
@@ -51,12 +52,12 @@ void cleanup(RouteList& config, std::array<Row, N> const& rows, char const* name
 
 }  // namespace
 
-RouteSm::RouteSm(Ondex::AddressFamily af, L3::VrfName const& vrfName, Quill::Ptr<RouteList> config)
+MartianRouteSm::MartianRouteSm(Ondex::AddressFamily af, L3::VrfName const& vrfName, Quill::Ptr<RouteList> config)
     : af_(af), vrfName_(vrfName), config_(std::move(config)) {
   handleInitialized();
 }
 
-void RouteSm::handleInitialized() {
+void MartianRouteSm::handleInitialized() {
   TRACE(8, "Vrf: " << vrfName_ << ", handleInitialized af " << af_);
   initializedIs(true);
   if (af_ == Ondex::AddressFamily::ipv4) {
@@ -70,27 +71,28 @@ void RouteSm::handleInitialized() {
   }
 }
 
-void RouteSm::doAddMartianRoute(Ondex::IpGenPrefix const& prefix, RouteType routeType) {
+void MartianRouteSm::doAddMartianRoute(Ondex::IpGenPrefix const& prefix, RouteType routeType) {
   TRACE(6, "doAddMartianRoute(" << prefix << "), Route Type: " << routeType);
   config_->routeIs(RouteKey(prefix, preference), routeType);
 }
 
-void RouteSm::doAddIpv4MartianRoutes() {
+void MartianRouteSm::doAddIpv4MartianRoutes() {
   TRACE(8, "doAddIpv4MartianRoutes");
   addRows(*this, kIpv4Rows);
 }
 
-void RouteSm::doAddIpv6MartianRoutes() {
+void MartianRouteSm::doAddIpv6MartianRoutes() {
   TRACE(8, "doAddIpv6MartianRoutes");
   addRows(*this, kIpv6Rows);
 }
 
-void RouteSm::doCleanupIpv4Config() { cleanup(*config_, kIpv4Rows, "doCleanupIpv4Config"); }
+void MartianRouteSm::doCleanupIpv4Config() { cleanup(*config_, kIpv4Rows, "doCleanupIpv4Config"); }
 
-void RouteSm::doCleanupIpv6Config() { cleanup(*config_, kIpv6Rows, "doCleanupIpv6Config"); }
+void MartianRouteSm::doCleanupIpv6Config() { cleanup(*config_, kIpv6Rows, "doCleanupIpv6Config"); }
 
-Quill::Ptr<RouteSm> routeSmFactory(Ondex::AddressFamily af, L3::VrfName const& vrfName, Quill::Ptr<RouteList> config) {
-  return RouteSm::RouteSmIs(af, vrfName, std::move(config));
+Quill::Ptr<MartianRouteSm> martianRouteSmFactory(Ondex::AddressFamily af, L3::VrfName const& vrfName,
+                                                 Quill::Ptr<RouteList> config) {
+  return MartianRouteSm::MartianRouteSmIs(af, vrfName, std::move(config));
 }
 
 }  // namespace Routing::Martian

@@ -14,11 +14,11 @@
 
 namespace Routing::Martian {
 
-class RouteSm : public Zel::StateMachine<RouteSm> {
+class MartianRouteSm : public Zel::StateMachine<MartianRouteSm> {
  public:
-  [[nodiscard]] static Quill::Ptr<RouteSm> RouteSmIs(Ondex::AddressFamily af, L3::VrfName const& vrfName,
-                                                     Quill::Ptr<RouteList> config) {
-    return Zel::make<RouteSm>(af, vrfName, std::move(config));
+  [[nodiscard]] static Quill::Ptr<MartianRouteSm> MartianRouteSmIs(Ondex::AddressFamily af, L3::VrfName const& vrfName,
+                                                                   Quill::Ptr<RouteList> config) {
+    return Zel::make<MartianRouteSm>(af, vrfName, std::move(config));
   }
 
   void handleInitialized();
@@ -37,11 +37,11 @@ class RouteSm : public Zel::StateMachine<RouteSm> {
 
  protected:
   friend struct Zel::Factory;
-  RouteSm(Ondex::AddressFamily af, L3::VrfName const& vrfName, Quill::Ptr<RouteList> config);
+  MartianRouteSm(Ondex::AddressFamily af, L3::VrfName const& vrfName, Quill::Ptr<RouteList> config);
 };
 
-// The same as RouteSm::RouteSmIs.
-[[nodiscard]] Quill::Ptr<RouteSm> routeSmFactory(Ondex::AddressFamily af, L3::VrfName const& vrfName,
-                                                 Quill::Ptr<RouteList> config);
+// The same as MartianRouteSm::MartianRouteSmIs.
+[[nodiscard]] Quill::Ptr<MartianRouteSm> martianRouteSmFactory(Ondex::AddressFamily af, L3::VrfName const& vrfName,
+                                                               Quill::Ptr<RouteList> config);
 
 }  // namespace Routing::Martian

@@ -7,11 +7,11 @@ ZEL_TRACE_FACILITY("IpRib::ProtocolRootSm");
 
 namespace Routing::Protocol {
 
-ContainerSm::ContainerSm(Inputs const& inputs) : inputs_(inputs), statusDir_(inputs.routeStatusDir) {
+ProtocolContainerSm::ProtocolContainerSm(Inputs const& inputs) : inputs_(inputs), statusDir_(inputs.routeStatusDir) {
   handleInitialized();
 }
 
-void ContainerSm::zelDoZombieReactors(bool marked) {
+void ProtocolContainerSm::zelDoZombieReactors(bool marked) {
   // The store leaves the family's directory with its container.
   if (marked && !zelMarkedForDeletion()) {
     auto const s = status();
@@ -20,14 +20,14 @@ void ContainerSm::zelDoZombieReactors(bool marked) {
   StateMachine::zelDoZombieReactors(marked);
 }
 
-void ContainerSm::handleInitialized() {
+void ProtocolContainerSm::handleInitialized() {
   TRACE(8, "Vrf: " << inputs_.containerKey.vrfName() << ", ContainerSm::handleInitialized");
   initializedIs(true);
   statusIs(RouteStatusKey{inputs_.vrfId, inputs_.containerKey.af()});
   doInitSm();
 }
 
-Quill::Ptr<Status> ContainerSm::statusIs(RouteStatusKey const& key) {
+Quill::Ptr<Status> ProtocolContainerSm::statusIs(RouteStatusKey const& key) {
   if (status() && status()->key() == key) return status();
   if (!statusDir_) statusDir_ = RouteStatusDir::RouteStatusDirIs();
   auto s = statusDir_->statusIs(key);
@@ -35,47 +35,36 @@ Quill::Ptr<Status> ContainerSm::statusIs(RouteStatusKey const& key) {
   return s;
 }
 
-void ContainerSm::doInitSm() {
+void ProtocolContainerSm::doInitSm() {
   auto const& ipViaConfig = inputs_.ipViaConfig;
   std::string const ribText(ViaConfigLib::getRibStringFromIpViaConfig(*ipViaConfig).view());
   std::string const transportText = ipViaConfig->transport().toStrep();
   std::string const protocolText = inputs_.routingProtocol.toStrep();
   if (!ViaConfigLib::isAllVrfViaConfig(protocolText, transportText, ribText)) ipViaConfigSmIs(ipViaConfig);
   RouteStatusSm::Inputs in;
+  {
+    auto& to = in;
+    auto const& from = inputs_;
+    ROUTE_STATUS_SM_INPUTS(ZEL_INPUTS_COPY)
+  }
   in.vrfName = inputs_.containerKey.vrfName();
   in.af = inputs_.containerKey.af();
-  in.vrfId = inputs_.vrfId;
   in.status = status();
-  in.loopingRouteStatus = inputs_.loopingRouteStatus;
-  in.nhdGraph = inputs_.nhdGraph;
-  in.ribConfig = inputs_.ribConfig;
-  in.viaSetConfig = inputs_.viaSetConfig;
-  in.routingProtocol = inputs_.routingProtocol;
-  in.vrfReadyStatus = inputs_.vrfReadyStatus;
-  in.bfdTrackedRoutesList = inputs_.bfdTrackedRoutesList;
-  in.ipViaConfig = ipViaConfig;
-  in.auxIpViaConfig = inputs_.auxIpViaConfig;
-  in.viaMetricStatusByVrf = inputs_.viaMetricStatusByVrf;
-  in.ribString = inputs_.ribString;
-  in.viaStatusByVrf = inputs_.viaStatusByVrf;
-  in.routingGeneralConfig = inputs_.routingGeneralConfig;
-  in.igpResultTable = inputs_.igpResultTable;
-  in.scheduler = inputs_.scheduler;
   routeStatusSmIs(in);
   intfSmIs(inputs_.intfStatus);
 }
 
-Quill::Ptr<RouteStatusSm> ContainerSm::routeStatusSmIs(RouteStatusSm::Inputs const& inputs) {
+Quill::Ptr<RouteStatusSm> ProtocolContainerSm::routeStatusSmIs(RouteStatusSm::Inputs const& inputs) {
   if (!routeStatusSm()) routeStatusSmIs(RouteStatusSm::RouteStatusSmIs(inputs));
   return routeStatusSm();
 }
 
-Quill::Ptr<Rib::Ip::ViaConfigSm> ContainerSm::ipViaConfigSmIs(Quill::Ptr<Rib::Ip::ViaConfig> const& viaConfig) {
+Quill::Ptr<Rib::Ip::ViaConfigSm> ProtocolContainerSm::ipViaConfigSmIs(Quill::Ptr<Rib::Ip::ViaConfig> const& viaConfig) {
   if (!ipViaConfigSm()) ipViaConfigSmIs(Rib::Ip::ViaConfigSm::TableSmIs(viaConfig));
   return ipViaConfigSm();
 }
 
-Quill::Ptr<IntfSm> ContainerSm::intfSmIs(Quill::Ptr<IntfStatus> const& intfStatus) {
+Quill::Ptr<IntfSm> ProtocolContainerSm::intfSmIs(Quill::Ptr<IntfStatus> const& intfStatus) {
   if (!intfSm() && intfStatus) intfSmIs(IntfSm::IntfSmIs(intfStatus));
   return intfSm();
 }

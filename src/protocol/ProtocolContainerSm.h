@@ -17,6 +17,7 @@
 #include "foundations/rib/ViaMetricStatus.h"
 #include "foundations/rib/ViaSetConfig.h"
 #include "foundations/rib/ViaStatus.h"
+#include "foundations/runtime/MachineInputs.h"
 #include "foundations/runtime/StateMachine.h"
 #include "protocol/ProtocolContainerKey.h"
 #include "protocol/ProtocolIntf.h"
@@ -26,37 +27,41 @@
 
 namespace Routing::Protocol {
 
-class ContainerSm : public Zel::StateMachine<ContainerSm> {
+// The arguments of the protocol container, which keeps them (see MachineInputs.h); its caller gives
+// them all. ipViaConfig must not be null. routeStatusDir: the status stores of the family, which the
+// via metric machine watches (the protocol root's); without one the container keeps its store in a
+// directory of its own.
+#define PROTOCOL_CONTAINER_SM_INPUTS(X)                                                  \
+  X(ARG, CALLER, ContainerKey, containerKey)                                             \
+  X(ARG, CALLER, Vrf::VrfIdMap::VrfId, vrfId)                                            \
+  X(ARG, CALLER, Quill::Ptr<Rib::Ip::ViaConfig>, ipViaConfig)                            \
+  X(ARG, CALLER, Quill::Ptr<Rib::Ip::ViaConfig>, auxIpViaConfig)                         \
+  X(ARG, CALLER, Quill::Ptr<Rib::Evpn::ViaConfig>, evpnViaConfig)                        \
+  X(ARG, CALLER, Quill::Ptr<Rib::ViaSetConfig>, viaSetConfig)                            \
+  X(ARG, CALLER, Quill::Ptr<Rib::RouteConfig>, ribConfig)                                \
+  X(ARG, CALLER, Quill::Ptr<Rib::LoopingRouteStatus const>, loopingRouteStatus)         \
+  X(ARG, CALLER, Quill::Ptr<IntfStatus>, intfStatus)                                     \
+  X(ARG, CALLER, Quill::Ptr<Rib::Ip::GlobalNextHopDependencyGraph const>, nhdGraph)      \
+  X(ARG, CALLER, Quill::Ptr<Rib::Ip::ViaConfig>, ipv4DefaultVrfViaConfig)                \
+  X(ARG, CALLER, Quill::Ptr<Rib::Ip::ViaConfig>, ipv6DefaultVrfViaConfig)                \
+  X(ARG, CALLER, Rib::RoutingProtocol, routingProtocol, Rib::RoutingProtocol::staticConfig()) \
+  X(ARG, CALLER, Quill::Ptr<VrfReadyStatus>, vrfReadyStatus)                             \
+  X(ARG, CALLER, Quill::Ptr<BfdTrackedStaticRoutesList>, bfdTrackedRoutesList)           \
+  X(ARG, CALLER, Quill::Ptr<Rib::ViaStatusByVrf const>, viaStatusByVrf)                  \
+  X(ARG, CALLER, Quill::Ptr<Rib::ViaMetricStatusByVrf const>, viaMetricStatusByVrf)      \
+  X(ARG, CALLER, Quill::String, ribString, "rib")                                        \
+  X(ARG, CALLER, Quill::Ptr<General::Config const>, routingGeneralConfig)                \
+  X(ARG, CALLER, Quill::Ptr<Bgp::IgpResultTable>, igpResultTable)                        \
+  X(ARG, CALLER, Halyard::TaskScheduler*, scheduler, nullptr)                            \
+  X(ARG, CALLER, Quill::Ptr<RouteStatusDir>, routeStatusDir)
+
+class ProtocolContainerSm : public Zel::StateMachine<ProtocolContainerSm> {
  public:
-  // The constructor's arguments, in their order. ipViaConfig must not be null.
   struct Inputs {
-    ContainerKey containerKey;
-    Vrf::VrfIdMap::VrfId vrfId;
-    Quill::Ptr<Rib::Ip::ViaConfig> ipViaConfig;
-    Quill::Ptr<Rib::Ip::ViaConfig> auxIpViaConfig;
-    Quill::Ptr<Rib::Evpn::ViaConfig> evpnViaConfig;
-    Quill::Ptr<Rib::ViaSetConfig> viaSetConfig;
-    Quill::Ptr<Rib::RouteConfig> ribConfig;
-    Quill::Ptr<Rib::LoopingRouteStatus const> loopingRouteStatus;
-    Quill::Ptr<IntfStatus> intfStatus;
-    Quill::Ptr<Rib::Ip::GlobalNextHopDependencyGraph const> nhdGraph;
-    Quill::Ptr<Rib::Ip::ViaConfig> ipv4DefaultVrfViaConfig;
-    Quill::Ptr<Rib::Ip::ViaConfig> ipv6DefaultVrfViaConfig;
-    Rib::RoutingProtocol routingProtocol = Rib::RoutingProtocol::staticConfig();
-    Quill::Ptr<VrfReadyStatus> vrfReadyStatus;
-    Quill::Ptr<BfdTrackedStaticRoutesList> bfdTrackedRoutesList;
-    Quill::Ptr<Rib::ViaStatusByVrf const> viaStatusByVrf;
-    Quill::Ptr<Rib::ViaMetricStatusByVrf const> viaMetricStatusByVrf;
-    Quill::String ribString = "rib";
-    Quill::Ptr<General::Config const> routingGeneralConfig;
-    Quill::Ptr<Bgp::IgpResultTable> igpResultTable;
-    Halyard::TaskScheduler* scheduler = nullptr;
-    // The status stores of the family, which the via metric machine watches (the protocol root's);
-    // without one the container keeps its store in a directory of its own.
-    Quill::Ptr<RouteStatusDir> routeStatusDir;
+    PROTOCOL_CONTAINER_SM_INPUTS(ZEL_INPUTS_FIELD)
   };
-  [[nodiscard]] static Quill::Ptr<ContainerSm> ContainerSmIs(Inputs const& inputs) {
-    return Zel::make<ContainerSm>(inputs);
+  [[nodiscard]] static Quill::Ptr<ProtocolContainerSm> ProtocolContainerSmIs(Inputs const& inputs) {
+    return Zel::make<ProtocolContainerSm>(inputs);
   }
 
   void handleInitialized();
@@ -79,7 +84,7 @@ class ContainerSm : public Zel::StateMachine<ContainerSm> {
 
  protected:
   friend struct Zel::Factory;
-  explicit ContainerSm(Inputs const& inputs);
+  explicit ProtocolContainerSm(Inputs const& inputs);
 
  private:
   Inputs inputs_;

@@ -23,29 +23,15 @@ constexpr std::uint32_t kMaxViaSetSize = Rib::Skein::ViaSet::kMaxVias;
 }  // namespace
 
 RouteStatusSm::RouteStatusSm(Inputs const& in)
-    : vrfName_(in.vrfName),
-      af_(in.af),
-      vrfId_(in.vrfId),
-      ribConfig_(in.ribConfig),
-      viaSetConfig_(in.viaSetConfig),
-      routingProtocol_(in.routingProtocol),
-      vrfReadyStatus_(in.vrfReadyStatus),
+    : StateMachine() ROUTE_STATUS_SM_INPUTS(ZEL_INPUTS_INIT),
       bfdTrackedRoutesListWritable_(in.bfdTrackedRoutesList),
-      ipViaConfig_(in.ipViaConfig),
-      auxIpViaConfig_(in.auxIpViaConfig),
-      viaMetricStatusByVrf_(in.viaMetricStatusByVrf),
-      ribString_(in.ribString),
       rib_(false),
-      viaStatusByVrf_(in.viaStatusByVrf),
-      igpResultTable_(in.igpResultTable),
       statusWritable_(in.status),
       viaWeightChange_(toggleViaWeightChangeEnabled()),
       scheduler_(in.scheduler ? in.scheduler : Halyard::TaskSchedulerRoot::findOrCreateScheduler()) {
   statusIs(in.status);
-  loopingRouteStatusIs(in.loopingRouteStatus);
-  nhdGraphIs(in.nhdGraph);
+  ROUTE_STATUS_SM_INPUTS(ZEL_INPUTS_SET)
   bfdTrackedRoutesListIs(in.bfdTrackedRoutesList);
-  routingGeneralConfigIs(in.routingGeneralConfig);
   handleInitialized();
 }
 
@@ -162,27 +148,9 @@ void RouteStatusSm::handleRoute(Prefix const& prefix) {
       bool addedInThisType = false;
       for (auto viaIt = typeIt.value()->dedupViaKeyIteratorConst(); viaIt; viaIt.advance()) {
         Rib::ViaKey const viaKey = viaIt.key();
-        ViaResolutionStatus resolution;
-        if (viaKey.transport() == Rib::Transport::transportEvpn()) {
-          auto vtep = routePref->dedupEvpnVtepIpViaKey(viaKey);
-          resolution = validEvpnVia(viaKey, vtep ? vtep->viaKey() : Rib::ViaKey());
-        } else {
-          resolution = validIpVia(prefix, preference, viaKey);
-        }
-        if (resolution == undetermined && !viaWeightChange_) resolution = unresolved;
-        if (resolution == unresolved) {
-          RS_TRACE(9, "handleRoute " << prefix << " via " << viaKey << "is unresolved");
-          continue;
-        }
-        if (resolution == undetermined) {
-          RS_TRACE(8, "handleRoute " << prefix << " via " << viaKey << " resolution status pending. Returning");
-          return;
-        }
-        if (nhdGraph() && nhdGraph()->loopingRoute(prefix, MetricPref(0, preference.value()), vrfId_, viaKey, 0, 0,
-                                                   rib_)) {
-          RS_TRACE(8, "handleRoute " << prefix << " via " << viaKey << "is looping");
-          continue;
-        }
+        ViaUse const use = viaUse(prefix, preference, *routePref, viaKey);
+        if (use == ViaUse::pending) return;
+        if (use == ViaUse::skip) continue;
         Rib::Via const via = getViaFromKey(viaKey);
         if (!labelled && via.hasLabel()) {
           RS_TRACE(8, "handleRoute " << prefix << " First occurrence of labeled Via " << viaKey);
@@ -223,6 +191,32 @@ void RouteStatusSm::handleRoute(Prefix const& prefix) {
   }
   RS_TRACE(8, "handleRoute " << prefix << " !bestRouteFound");
   doDelRoute(prefix);
+}
+
+RouteStatusSm::ViaUse RouteStatusSm::viaUse(Prefix const& prefix, RoutePreference preference,
+                                            RoutePref const& routePref, Rib::ViaKey const& viaKey) const {
+  ViaResolutionStatus resolution;
+  if (viaKey.transport() == Rib::Transport::transportEvpn()) {
+    auto vtep = routePref.dedupEvpnVtepIpViaKey(viaKey);
+    resolution = validEvpnVia(viaKey, vtep ? vtep->viaKey() : Rib::ViaKey());
+  } else {
+    resolution = validIpVia(prefix, preference, viaKey);
+  }
+  if (resolution == undetermined && !viaWeightChange_) resolution = unresolved;
+  if (resolution == unresolved) {
+    RS_TRACE(9, "handleRoute " << prefix << " via " << viaKey << "is unresolved");
+    return ViaUse::skip;
+  }
+  if (resolution == undetermined) {
+    RS_TRACE(8, "handleRoute " << prefix << " via " << viaKey << " resolution status pending. Returning");
+    return ViaUse::pending;
+  }
+  if (nhdGraph() &&
+      nhdGraph()->loopingRoute(prefix, MetricPref(0, preference.value()), vrfId_, viaKey, 0, 0, rib_)) {
+    RS_TRACE(8, "handleRoute " << prefix << " via " << viaKey << "is looping");
+    return ViaUse::skip;
+  }
+  return ViaUse::usable;
 }
 
 void RouteStatusSm::doAddRouteWithLowestMetric(Prefix const& prefix, RoutePref& routePref,

@@ -23,39 +23,45 @@
 #include "foundations/rib/ViaStatus.h"
 #include "foundations/runtime/Backlog.h"
 #include "foundations/runtime/HashMap2018.h"
+#include "foundations/runtime/MachineInputs.h"
 #include "foundations/runtime/StateMachine.h"
 #include "foundations/runtime/TaskMember.h"
 #include "protocol/ProtocolRouteStatus.h"
 
 namespace Routing::Protocol {
 
+// The inputs of RouteStatusSm, in the order the constructor takes them (see MachineInputs.h);
+// vrfReadyStatus, bfdTrackedRoutesList and routingGeneralConfig may be null. The protocol container
+// makes the VRF name, the family and the status store.
+#define ROUTE_STATUS_SM_INPUTS(X)                                                                 \
+  X(CONST, OWN, L3::VrfName, vrfName)                                                             \
+  X(CONST, OWN, Ondex::AddressFamily, af)                                                         \
+  X(CONST, CORE, Vrf::VrfIdMap::VrfId, vrfId)                                                     \
+  X(ARG, OWN, Quill::Ptr<Status>, status)                                                         \
+  X(INPUT, CORE, Rib::LoopingRouteStatus, loopingRouteStatus, LoopingReactors)                    \
+  X(INPUT, CORE, Rib::Ip::GlobalNextHopDependencyGraph, nhdGraph, GraphReactors)                  \
+  X(CONST, CORE, Quill::Ptr<Rib::RouteConfig>, ribConfig)                                         \
+  X(CONST, CORE, Quill::Ptr<Rib::ViaSetConfig>, viaSetConfig)                                     \
+  X(CONST, CORE, Rib::RoutingProtocol, routingProtocol)                                           \
+  X(CONST, CORE, Quill::Ptr<VrfReadyStatus>, vrfReadyStatus)                                      \
+  X(ARG, CORE, Quill::Ptr<BfdTrackedStaticRoutesList>, bfdTrackedRoutesList)                      \
+  X(CONST, CORE, Quill::Ptr<Rib::Ip::ViaConfig const>, ipViaConfig)                               \
+  X(CONST, CORE, Quill::Ptr<Rib::Ip::ViaConfig const>, auxIpViaConfig)                            \
+  X(CONST, CORE, Quill::Ptr<Rib::ViaMetricStatusByVrf const>, viaMetricStatusByVrf)               \
+  X(CONST, CORE, Quill::String, ribString, "rib")                                                 \
+  X(CONST, CORE, Quill::Ptr<Rib::ViaStatusByVrf const>, viaStatusByVrf)                           \
+  X(INPUT, CORE, General::Config, routingGeneralConfig, GeneralReactors)                          \
+  X(CONST, CORE, Quill::Ptr<Bgp::IgpResultTable>, igpResultTable)                                 \
+  X(ARG, CORE, Halyard::TaskScheduler*, scheduler, nullptr)
+
 class RouteStatusSm : public Zel::StateMachine<RouteStatusSm> {
  public:
   using VrfId = Vrf::VrfIdMap::VrfId;
   using Prefix = Ondex::IpGenPrefix;
 
-  // The constructor's arguments, in their order; vrfReadyStatus, bfdTrackedRoutesList and
-  // routingGeneralConfig may be null.
+  // The constructor's arguments (ROUTE_STATUS_SM_INPUTS).
   struct Inputs {
-    L3::VrfName vrfName;
-    Ondex::AddressFamily af;
-    VrfId vrfId;
-    Quill::Ptr<Status> status;
-    Quill::Ptr<Rib::LoopingRouteStatus const> loopingRouteStatus;
-    Quill::Ptr<Rib::Ip::GlobalNextHopDependencyGraph const> nhdGraph;
-    Quill::Ptr<Rib::RouteConfig> ribConfig;
-    Quill::Ptr<Rib::ViaSetConfig> viaSetConfig;
-    Rib::RoutingProtocol routingProtocol;
-    Quill::Ptr<VrfReadyStatus> vrfReadyStatus;
-    Quill::Ptr<BfdTrackedStaticRoutesList> bfdTrackedRoutesList;
-    Quill::Ptr<Rib::Ip::ViaConfig const> ipViaConfig;
-    Quill::Ptr<Rib::Ip::ViaConfig const> auxIpViaConfig;
-    Quill::Ptr<Rib::ViaMetricStatusByVrf const> viaMetricStatusByVrf;
-    Quill::String ribString = "rib";
-    Quill::Ptr<Rib::ViaStatusByVrf const> viaStatusByVrf;
-    Quill::Ptr<General::Config const> routingGeneralConfig;
-    Quill::Ptr<Bgp::IgpResultTable> igpResultTable;
-    Halyard::TaskScheduler* scheduler = nullptr;
+    ROUTE_STATUS_SM_INPUTS(ZEL_INPUTS_FIELD)
   };
   [[nodiscard]] static Quill::Ptr<RouteStatusSm> RouteStatusSmIs(Inputs const& inputs) {
     return Zel::make<RouteStatusSm>(inputs);
@@ -133,6 +139,11 @@ class RouteStatusSm : public Zel::StateMachine<RouteStatusSm> {
   void handleStatusInitialized() { doReview(); }
 
   // ---- Via validation.
+  // What the selection does with one via of a preference: skips it (unresolved or looping), waits
+  // for the RIB's report on it (the whole prefix waits), or may use it.
+  enum class ViaUse : std::uint8_t { skip, pending, usable };
+  [[nodiscard]] ViaUse viaUse(Prefix const& prefix, RoutePreference preference, RoutePref const& routePref,
+                              Rib::ViaKey const& viaKey) const;
   [[nodiscard]] Quill::Ptr<Rib::ViaMetricStatus> viaMetricStatus(VrfId vrfId, Rib::Transport transport,
                                                                  Rib::RoutingProtocol protocol) const;
   [[nodiscard]] ViaResolutionStatus validIpVia(Prefix const& prefix, RoutePreference preference,
@@ -158,21 +169,9 @@ class RouteStatusSm : public Zel::StateMachine<RouteStatusSm> {
   [[nodiscard]] bool usesBelowMostPreferred(Route const& route, std::vector<BfdStatusKey> const& keys) const;
 
   // ---- Attributes.
-  ZEL_CONST(L3::VrfName, vrfName)
-  ZEL_CONST(Ondex::AddressFamily, af)
-  ZEL_CONST(VrfId, vrfId)
-  ZEL_CONST(Quill::Ptr<Rib::RouteConfig>, ribConfig)
-  ZEL_CONST(Quill::Ptr<Rib::ViaSetConfig>, viaSetConfig)
-  ZEL_CONST(Rib::RoutingProtocol, routingProtocol)
-  ZEL_CONST(Quill::Ptr<VrfReadyStatus>, vrfReadyStatus)
+  ROUTE_STATUS_SM_INPUTS(ZEL_INPUTS_CONST)
   ZEL_CONST(Quill::Ptr<BfdTrackedStaticRoutesList>, bfdTrackedRoutesListWritable)
-  ZEL_CONST(Quill::Ptr<Rib::Ip::ViaConfig const>, ipViaConfig)
-  ZEL_CONST(Quill::Ptr<Rib::Ip::ViaConfig const>, auxIpViaConfig)
-  ZEL_CONST(Quill::Ptr<Rib::ViaMetricStatusByVrf const>, viaMetricStatusByVrf)
-  ZEL_CONST(Quill::String, ribString)
   ZEL_CONST(bool, rib)
-  ZEL_CONST(Quill::Ptr<Rib::ViaStatusByVrf const>, viaStatusByVrf)
-  ZEL_CONST(Quill::Ptr<Bgp::IgpResultTable>, igpResultTable)
   [[nodiscard]] Quill::Ptr<Status> const& statusWritable() const noexcept { return statusWritable_; }
 
   ZEL_NESTED(BfdStatusKey, NestedSm_BfdRouteBLA, bfdRouteBLA)
@@ -183,17 +182,15 @@ class RouteStatusSm : public Zel::StateMachine<RouteStatusSm> {
   ZEL_INPUT(Status, status, StatusReactors)
   using LoopingReactors =
       Zel::Reactors<Zel::On<Rib::LoopingRouteStatus::loopingRouteId, &RouteStatusSm::handleLoopingRoute>>;
-  ZEL_INPUT(Rib::LoopingRouteStatus, loopingRouteStatus, LoopingReactors)
   using GraphReactors = Zel::Reactors<
       Zel::OnAny<static_cast<void (RouteStatusSm::*)()>(&RouteStatusSm::handleRoute)>>;
-  ZEL_INPUT(Rib::Ip::GlobalNextHopDependencyGraph, nhdGraph, GraphReactors)
   using BfdReactors = Zel::Reactors<Zel::On<BfdTrackedStaticRoutesList::routeId, &RouteStatusSm::handleBfdRouteBLA>,
                                     Zel::Reconcile<BfdTrackedStaticRoutesList::routeId, &RouteStatusSm::bfdRouteBLA_>>;
-  ZEL_INPUT(BfdTrackedStaticRoutesList, bfdTrackedRoutesList, BfdReactors)
   using GeneralReactors =
       Zel::Reactors<Zel::On<General::Config::staticMetricTypeAigpId, &RouteStatusSm::doReview>,
                     Zel::On<General::Config::routeInputMetricTypeAigpId, &RouteStatusSm::doReview>>;
-  ZEL_INPUT(General::Config, routingGeneralConfig, GeneralReactors)
+  ROUTE_STATUS_SM_INPUTS(ZEL_INPUTS_WATCHED)
+  ZEL_INPUT(BfdTrackedStaticRoutesList, bfdTrackedRoutesList, BfdReactors)
 
   ZEL_MAP(Prefix, Quill::Ptr<Bgp::IgpResultHandle>, redistIgpResult, 130)
   ZEL_BACKLOG(Prefix, routeBacklog)

@@ -22,40 +22,13 @@ namespace Routing::Static {
 // Construction and teardown.
 
 RouteConfigSm::RouteConfigSm(Inputs const& in)
-    : containerKey_(in.containerKey),
-      vrfId_(in.vrfId),
-      status_(in.status),
-      ipViaConfig_(in.ipViaConfig),
-      evpnViaConfig_(in.evpnViaConfig),
-      ipv4DefaultVrfViaConfig_(in.ipv4DefaultVrfViaConfig),
-      ipv6DefaultVrfViaConfig_(in.ipv6DefaultVrfViaConfig),
-      vrfReadyStatus_(in.vrfReadyStatus),
-      routeCacheRouteHelperSm_(in.routeCacheRouteHelperSm),
-      allEgressVrfIntfStatusHelperSm_(in.allEgressVrfIntfStatusHelperSm),
-      routingProtocol_(in.routingProtocol),
-      configTagStatus_(in.configTagStatus),
-      configTagIdState_(in.configTagIdState),
-      tunnelRibNameIdMap_(in.tunnelRibNameIdMap),
-      auxIpViaConfig_(in.auxIpViaConfig),
-      vtepSipValidationStatus_(in.vtepSipValidationStatus),
+    : StateMachine() ROUTE_CONFIG_SM_INPUTS(ZEL_INPUTS_INIT),
       vrfName_(in.containerKey.vrfName()),
-      scheduler_(in.scheduler),
       interVrfRoutes_(in.allEgressVrfIntfStatusHelperSm, this, in.containerKey.af(), vrfName_) {
   globalPrefIs(in.routingGeneralConfig ? in.routingGeneralConfig->staticRoutePreference() : RoutePreference());
   // The inputs; a list's nested watchers are built as the list is set (they do nothing until
-  // something changes).
-  vrfNameStatusIs(in.vrfNameStatus);
-  intfStatusIs(in.intfStatus);
-  grStateIs(in.grState);
-  nexthopGroupEntryStatusIs(in.nexthopGroupEntryStatus);
-  leakConfigIs(in.leakConfig);
-  mplsConfigIs(in.mplsConfig);
-  routingGeneralConfigIs(in.routingGeneralConfig);
-  resRibProfileContainerIs(in.resRibProfileContainer);
-  srTaggedConfigIs(in.srTaggedConfig);
-  srTaggedDynamicConfigIs(in.srTaggedDynamicConfig);
-  srConfigIs(in.srConfig);
-  srConfigDynamicIs(in.srConfigDynamic);
+  // something changes). The users' collections come after initialization.
+  ROUTE_CONFIG_SM_INPUTS(ZEL_INPUTS_SET)
   handleInitialized();
   handleVrfTaggedConfig();
   handleVrfTaggedDynamicConfig();

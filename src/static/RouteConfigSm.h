@@ -5,7 +5,10 @@
 // VRF and family.
 //
 // Reactors only put keys on the backlog and schedule; "routeReview" reviews the backlog and
-// "reviewAllRoutes" reviews every route, both yielding between routes with a bookmark.
+// "reviewAllRoutes" reviews every route, both yielding between routes with a bookmark. Its
+// inputs are declared once, in ROUTE_CONFIG_SM_INPUTS; its code is split by concern over
+// RouteConfigSm*.cpp (review, static lists, route-input users, leaked routes, tags, vias,
+// inter-VRF routes), and the inter-VRF index is InterVrfRoutes.
 //
 // One configured route writes an entry (prefix and preference) of the status store, whatever the
 // order in which keys are reviewed:
@@ -44,6 +47,7 @@
 #include "foundations/rib/IpViaConfig.h"
 #include "foundations/rib/ViaContent.h"
 #include "foundations/runtime/Backlog.h"
+#include "foundations/runtime/MachineInputs.h"
 #include "foundations/runtime/StateMachine.h"
 #include "foundations/runtime/TaskMember.h"
 #include "foundations/records/RouteInputByUser.h"
@@ -56,6 +60,42 @@
 #include "static/ResRibProfileContainer.h"
 #include "static/TaggedRouteConfigSm.h"
 #include "static/ViaReevaluateWalkSm.h"
+
+// The inputs of RouteConfigSm, in the order the constructor takes them (see MachineInputs.h). The
+// input container makes the VRF id, the status store, the leak configuration and the users'
+// collections, and gives the general settings in static mode only.
+#define ROUTE_CONFIG_SM_INPUTS(X)                                                                            \
+  X(CONST, CORE, Protocol::ContainerKey, containerKey)                                                       \
+  X(INPUT, CALLER, Vrf::VrfIdMap::NameToIdMapWrapper, vrfNameStatus, VrfNameStatusReactors)                  \
+  X(CONST, OWN, Vrf::VrfIdMap::VrfId, vrfId)                                                                 \
+  X(CONST, OWN, Quill::Ptr<Protocol::Status>, status)                                                        \
+  X(CONST, CORE, Quill::Ptr<Rib::Ip::ViaConfig>, ipViaConfig)                                                \
+  X(CONST, CORE, Quill::Ptr<Rib::Evpn::ViaConfig>, evpnViaConfig)                                            \
+  X(INPUT, CORE, Protocol::IntfStatus, intfStatus, IntfStatusReactors)                                       \
+  X(CONST, CORE, Quill::Ptr<Rib::Ip::ViaConfig>, ipv4DefaultVrfViaConfig)                                    \
+  X(CONST, CORE, Quill::Ptr<Rib::Ip::ViaConfig>, ipv6DefaultVrfViaConfig)                                    \
+  X(INPUT, CALLER, Protocol::GrState, grState, GrStateReactors)                                              \
+  X(CONST, CORE, Quill::Ptr<Protocol::VrfReadyStatus>, vrfReadyStatus)                                       \
+  X(INPUT, CALLER, ::NexthopGroup::EntryStatus, nexthopGroupEntryStatus, NexthopGroupReactors)               \
+  X(CONST, CALLER, Quill::Ptr<Static::RouteCacheRouteHelperSm>, routeCacheRouteHelperSm)                     \
+  X(CONST, CORE, Halyard::TaskScheduler*, scheduler, nullptr)                                                \
+  X(CONST, CALLER, Quill::Ptr<Static::AllEgressVrfIntfStatusHelperSm>, allEgressVrfIntfStatusHelperSm)       \
+  X(CONST, CORE, Rib::RoutingProtocol, routingProtocol, Rib::RoutingProtocol::staticConfig())                \
+  X(INPUT, OWN, Protocol::LeakRouteConfig, leakConfig, LeakConfigReactors)                                   \
+  X(CONST, CALLER, Quill::Ptr<ConfigTag::ConfigTagStatus const>, configTagStatus)                            \
+  X(CONST, CALLER, Quill::Ptr<ConfigTag::ConfigTagIdState const>, configTagIdState)                          \
+  X(INPUT, CALLER, Mpls::Config, mplsConfig, MplsReactors)                                                   \
+  X(INPUT, OWN, General::Config, routingGeneralConfig, GeneralConfigReactors)                                \
+  X(INPUT, CALLER, Static::ResRibProfileContainer, resRibProfileContainer, ResRibProfileReactors)            \
+  X(CONST, CALLER, Quill::Ptr<Tunnel::TunnelTable::TunnelRibNameIdMap const>, tunnelRibNameIdMap)            \
+  X(CONST, CORE, Quill::Ptr<Rib::Ip::ViaConfig>, auxIpViaConfig)                                             \
+  X(CONST, CALLER, Quill::Ptr<Vxlan::VtepSipValidationStatus>, vtepSipValidationStatus)                      \
+  X(INPUT, CALLER, RouteList, srConfig, SrConfigReactors)                                                    \
+  X(INPUT, CALLER, RouteList, srConfigDynamic, SrConfigDynamicReactors)                                      \
+  X(INPUT, CALLER, VrfRouteListTaggedConfig, srTaggedConfig, SrTaggedReactors)                               \
+  X(INPUT, CALLER, VrfRouteListTaggedConfig, srTaggedDynamicConfig, SrTaggedDynamicReactors)                 \
+  X(LATE, OWN, Input::ConfigByUser, riConfigByUser, ConfigByUserReactors)                                    \
+  X(LATE, OWN, Input::ConfigTaggedByUser, riConfigTaggedByUser, ConfigTaggedByUserReactors)
 
 namespace Routing::Static {
 
@@ -70,40 +110,11 @@ class RouteConfigSm : public Zel::StateMachine<RouteConfigSm>, public EgressVrfI
   using RouteListConstPtr = Quill::Ptr<RouteList const>;
   using LeakRouteConstPtr = Quill::Ptr<Protocol::LeakRoute const>;
 
-  // The constructor's arguments, in their order. Null inputs have not come yet; evpnViaConfig,
-  // routeCacheRouteHelperSm and srConfigDynamic may stay null, and static mode needs leakConfig.
+  // The constructor's arguments (ROUTE_CONFIG_SM_INPUTS). Null inputs have not come yet;
+  // evpnViaConfig, routeCacheRouteHelperSm and srConfigDynamic may stay null, and static mode needs
+  // leakConfig.
   struct Inputs {
-    Protocol::ContainerKey containerKey;
-    Quill::Ptr<Vrf::VrfIdMap::NameToIdMapWrapper const> vrfNameStatus;
-    Vrf::VrfIdMap::VrfId vrfId;
-    Quill::Ptr<Protocol::Status> status;
-    Quill::Ptr<Rib::Ip::ViaConfig> ipViaConfig;
-    Quill::Ptr<Rib::Evpn::ViaConfig> evpnViaConfig;
-    Quill::Ptr<Protocol::IntfStatus const> intfStatus;
-    Quill::Ptr<Rib::Ip::ViaConfig> ipv4DefaultVrfViaConfig;
-    Quill::Ptr<Rib::Ip::ViaConfig> ipv6DefaultVrfViaConfig;
-    Quill::Ptr<Protocol::GrState const> grState;
-    Quill::Ptr<Protocol::VrfReadyStatus> vrfReadyStatus;
-    Quill::Ptr<::NexthopGroup::EntryStatus const> nexthopGroupEntryStatus;
-    Quill::Ptr<RouteCacheRouteHelperSm> routeCacheRouteHelperSm;
-    Halyard::TaskScheduler* scheduler = nullptr;
-    Quill::Ptr<AllEgressVrfIntfStatusHelperSm> allEgressVrfIntfStatusHelperSm;
-    Rib::RoutingProtocol routingProtocol = Rib::RoutingProtocol::staticConfig();
-    Quill::Ptr<Protocol::LeakRouteConfig const> leakConfig;
-    Quill::Ptr<ConfigTag::ConfigTagStatus const> configTagStatus;
-    Quill::Ptr<ConfigTag::ConfigTagIdState const> configTagIdState;
-    Quill::Ptr<Mpls::Config const> mplsConfig;
-    Quill::Ptr<General::Config const> routingGeneralConfig;
-    Quill::Ptr<ResRibProfileContainer const> resRibProfileContainer;
-    Quill::Ptr<Tunnel::TunnelTable::TunnelRibNameIdMap const> tunnelRibNameIdMap;
-    Quill::Ptr<Rib::Ip::ViaConfig> auxIpViaConfig;
-    Quill::Ptr<Vxlan::VtepSipValidationStatus> vtepSipValidationStatus;
-    RouteListConstPtr srConfig;
-    RouteListConstPtr srConfigDynamic;
-    Quill::Ptr<VrfRouteListTaggedConfig const> srTaggedConfig;
-    Quill::Ptr<VrfRouteListTaggedConfig const> srTaggedDynamicConfig;
-    Quill::Ptr<Input::ConfigByUser const> riConfigByUser;
-    Quill::Ptr<Input::ConfigTaggedByUser const> riConfigTaggedByUser;
+    ROUTE_CONFIG_SM_INPUTS(ZEL_INPUTS_FIELD)
   };
   [[nodiscard]] static Quill::Ptr<RouteConfigSm> RouteConfigSmIs(Inputs const& inputs) {
     return Zel::make<RouteConfigSm>(inputs);
@@ -338,24 +349,8 @@ class RouteConfigSm : public Zel::StateMachine<RouteConfigSm>, public EgressVrfI
   void handleVrfNameStatus();
 
   // ---- Construction-time values.
-  ZEL_CONST(Protocol::ContainerKey, containerKey)
-  ZEL_CONST(Vrf::VrfIdMap::VrfId, vrfId)
-  ZEL_CONST(Quill::Ptr<Protocol::Status>, status)
-  ZEL_CONST(Quill::Ptr<Rib::Ip::ViaConfig>, ipViaConfig)
-  ZEL_CONST(Quill::Ptr<Rib::Evpn::ViaConfig>, evpnViaConfig)
-  ZEL_CONST(Quill::Ptr<Rib::Ip::ViaConfig>, ipv4DefaultVrfViaConfig)
-  ZEL_CONST(Quill::Ptr<Rib::Ip::ViaConfig>, ipv6DefaultVrfViaConfig)
-  ZEL_CONST(Quill::Ptr<Protocol::VrfReadyStatus>, vrfReadyStatus)
-  ZEL_CONST(Quill::Ptr<RouteCacheRouteHelperSm>, routeCacheRouteHelperSm)
-  ZEL_CONST(Quill::Ptr<AllEgressVrfIntfStatusHelperSm>, allEgressVrfIntfStatusHelperSm)
-  ZEL_CONST(Rib::RoutingProtocol, routingProtocol)
-  ZEL_CONST(Quill::Ptr<ConfigTag::ConfigTagStatus const>, configTagStatus)
-  ZEL_CONST(Quill::Ptr<ConfigTag::ConfigTagIdState const>, configTagIdState)
-  ZEL_CONST(Quill::Ptr<Tunnel::TunnelTable::TunnelRibNameIdMap const>, tunnelRibNameIdMap)
-  ZEL_CONST(Quill::Ptr<Rib::Ip::ViaConfig>, auxIpViaConfig)
-  ZEL_CONST(Quill::Ptr<Vxlan::VtepSipValidationStatus>, vtepSipValidationStatus)
+  ROUTE_CONFIG_SM_INPUTS(ZEL_INPUTS_CONST)
   ZEL_CONST(L3::VrfName, vrfName)
-  [[nodiscard]] Halyard::TaskScheduler* scheduler() const noexcept { return scheduler_; }
 
   // ---- Nested machines. Declared first so that the zombie pass runs them in this order.
   ZEL_NESTED(Quill::String, RiZelConfig, riConfig)
@@ -367,54 +362,41 @@ class RouteConfigSm : public Zel::StateMachine<RouteConfigSm>, public EgressVrfI
   // ---- Watched inputs.
   using VrfNameStatusReactors = Zel::Reactors<
       Zel::On<Vrf::VrfIdMap::NameToIdMapWrapper::nameToIdMapId, &RouteConfigSm::handleVrfNameStatus>>;
-  ZEL_INPUT(Vrf::VrfIdMap::NameToIdMapWrapper, vrfNameStatus, VrfNameStatusReactors)
   using IntfStatusReactors =
       Zel::Reactors<Zel::On<Protocol::IntfStatus::intfStatusChangedId, &RouteConfigSm::handleRoutes>>;
-  ZEL_INPUT(Protocol::IntfStatus, intfStatus, IntfStatusReactors)
   void handleGrState();
   using GrStateReactors =
       Zel::Reactors<Zel::On<Protocol::GrState::startReadyVerificationId, &RouteConfigSm::handleGrState>>;
-  ZEL_INPUT(Protocol::GrState, grState, GrStateReactors)
   using NexthopGroupReactors =
       Zel::Reactors<Zel::On<::NexthopGroup::EntryStatus::nhgIdId, &RouteConfigSm::handleNexthopGroup>>;
-  ZEL_INPUT(::NexthopGroup::EntryStatus, nexthopGroupEntryStatus, NexthopGroupReactors)
   using LeakConfigReactors =
       Zel::Reactors<Zel::On<Protocol::LeakRouteConfig::leakRouteId, &RouteConfigSm::handleRoute>,
                     Zel::Reconcile<Protocol::LeakRouteConfig::leakRouteId, &RouteConfigSm::leakRoute_>>;
-  ZEL_INPUT(Protocol::LeakRouteConfig, leakConfig, LeakConfigReactors)
   using MplsReactors = Zel::Reactors<Zel::On<Mpls::Config::mplsRoutingId, &RouteConfigSm::handleRoutes>>;
-  ZEL_INPUT(Mpls::Config, mplsConfig, MplsReactors)
   void handleStaticRoutePreference();
   using GeneralConfigReactors =
       Zel::Reactors<Zel::On<General::Config::staticRouteEcmpStateId, &RouteConfigSm::handleEcmpStateChanged>,
                     Zel::On<General::Config::staticRoutePreferenceId, &RouteConfigSm::handleStaticRoutePreference>>;
-  ZEL_INPUT(General::Config, routingGeneralConfig, GeneralConfigReactors)
   using ResRibProfileReactors = Zel::Reactors<
       Zel::On<ResRibProfileContainer::resRibProfileId, &RouteConfigSm::handleResRibProfileUpdate>>;
-  ZEL_INPUT(ResRibProfileContainer, resRibProfileContainer, ResRibProfileReactors)
   void handleSrConfigRoute(RouteKey const& key);
   void handleSrConfigDynamicRoute(RouteKey const& key);
   using SrConfigReactors = Zel::Reactors<Zel::On<RouteList::routeId, &RouteConfigSm::handleSrConfigRoute>,
                                          Zel::Reconcile<RouteList::routeId, &RouteConfigSm::route_>>;
-  ZEL_INPUT(RouteList, srConfig, SrConfigReactors)
   using SrConfigDynamicReactors =
       Zel::Reactors<Zel::On<RouteList::routeId, &RouteConfigSm::handleSrConfigDynamicRoute>,
                     Zel::Reconcile<RouteList::routeId, &RouteConfigSm::routeDynamic_>>;
-  ZEL_INPUT(RouteList, srConfigDynamic, SrConfigDynamicReactors)
   using SrTaggedReactors = Zel::Reactors<
       Zel::On<VrfRouteListTaggedConfig::vrfConfigId,
               static_cast<void (RouteConfigSm::*)(L3::VrfName const&)>(&RouteConfigSm::handleVrfTaggedConfig)>>;
-  ZEL_INPUT(VrfRouteListTaggedConfig, srTaggedConfig, SrTaggedReactors)
   using SrTaggedDynamicReactors = Zel::Reactors<Zel::On<
       VrfRouteListTaggedConfig::vrfConfigId,
       static_cast<void (RouteConfigSm::*)(L3::VrfName const&)>(&RouteConfigSm::handleVrfTaggedDynamicConfig)>>;
-  ZEL_INPUT(VrfRouteListTaggedConfig, srTaggedDynamicConfig, SrTaggedDynamicReactors)
   using ConfigByUserReactors =
       Zel::Reactors<Zel::On<Input::ConfigByUser::configId, &RouteConfigSm::handleConfigByUser>>;
-  ZEL_INPUT(Input::ConfigByUser, riConfigByUser, ConfigByUserReactors)
   using ConfigTaggedByUserReactors =
       Zel::Reactors<Zel::On<Input::ConfigTaggedByUser::configId, &RouteConfigSm::handleConfigTaggedByUser>>;
-  ZEL_INPUT(Input::ConfigTaggedByUser, riConfigTaggedByUser, ConfigTaggedByUserReactors)
+  ROUTE_CONFIG_SM_INPUTS(ZEL_INPUTS_WATCHED)
   using VrfNameToIdReactors =
       Zel::Reactors<Zel::On<Vrf::VrfIdMap::NameToIdMap::vrfNameToIdId, &RouteConfigSm::handleVrfNameToId>>;
   ZEL_INPUT(Vrf::VrfIdMap::NameToIdMap, vrfNameToIdMap, VrfNameToIdReactors)
@@ -426,7 +408,7 @@ class RouteConfigSm : public Zel::StateMachine<RouteConfigSm>, public EgressVrfI
   // ---- Own state.
   ZEL_ATTR(bool, ecmpStateChanged, 130)
   // The preference of routes configured without one; globalPrefIs re-reviews on a change.
-  static constexpr Zel::AttrId globalPrefId = 131;
+  ZEL_ATTR_ID(globalPref, 131);
   [[nodiscard]] RoutePreference const& globalPref() const noexcept { return globalPref_.get(); }
   // The global preferences left since the last whole review ended, in the order of the changes:
   // routes configured without a preference may still have entries at any of them.
@@ -486,7 +468,6 @@ class RouteConfigSm : public Zel::StateMachine<RouteConfigSm>, public EgressVrfI
   // A change asked for a review of all routes while the leak walk was suspended: once that walk
   // ends, the review starts over.
   bool reviewAllAgain_ = false;
-  Halyard::TaskScheduler* scheduler_;
   std::optional<RouteKey> reviewKeyBookmark_;
   std::optional<RouteKey> reviewKeyBookmarkDynamic_;
   std::optional<RouteKey> reviewKeyBookmarkLeak_;

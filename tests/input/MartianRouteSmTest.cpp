@@ -22,14 +22,14 @@ TEST_F(MartianRouteSmTest, FillsTheTableOfTheFamilyAndDeletesStaleRoutes) {
   auto v4 = Routing::RouteInput::RouteInputIs("martian");
   v4->routeIs(key("1.0.0.0/8"), Routing::RouteType::forward);  // left by an older run
   auto kept = v4->routeIs(key("127.0.0.0/8"), Routing::RouteType::forward);
-  auto sm4 = Routing::Martian::RouteSm::RouteSmIs(Ondex::AddressFamily::ipv4, "default", v4);
+  auto sm4 = Routing::Martian::MartianRouteSm::MartianRouteSmIs(Ondex::AddressFamily::ipv4, "default", v4);
   EXPECT_EQ(v4->routeSize(), 2u);
   EXPECT_EQ(v4->route(key("0.0.0.0/8"))->routeType(), Routing::RouteType::drop);
   EXPECT_EQ(v4->route(key("127.0.0.0/8")), kept) << "a route of the table stays as it is";
   EXPECT_FALSE(v4->routeHas(key("1.0.0.0/8")));
 
   auto v6 = Routing::RouteInput::RouteInputIs("martian");
-  auto sm6 = Routing::Martian::routeSmFactory(Ondex::AddressFamily::ipv6, "default", v6);
+  auto sm6 = Routing::Martian::martianRouteSmFactory(Ondex::AddressFamily::ipv6, "default", v6);
   EXPECT_EQ(v6->routeSize(), 3u);
   EXPECT_EQ(v6->route(key("::/96"))->routeType(), Routing::RouteType::drop);
   EXPECT_EQ(v6->route(key("fe80::/10"))->routeType(), Routing::RouteType::forward);
@@ -41,7 +41,7 @@ TEST_F(MartianRouteSmTest, EnvironmentVariableSetEvenEmptyAddsNothingButStillCle
   auto v4 = Routing::RouteInput::RouteInputIs("martian");
   v4->routeIs(key("1.0.0.0/8"), Routing::RouteType::forward);
   v4->routeIs(key("0.0.0.0/8"), Routing::RouteType::drop);  // a previous run's row stays
-  auto sm = Routing::Martian::RouteSm::RouteSmIs(Ondex::AddressFamily::ipv4, "default", v4);
+  auto sm = Routing::Martian::MartianRouteSm::MartianRouteSmIs(Ondex::AddressFamily::ipv4, "default", v4);
   EXPECT_EQ(v4->routeSize(), 1u);
   EXPECT_TRUE(v4->routeHas(key("0.0.0.0/8")));
   unsetenv("DO_NOT_INSTALL_MARTIAN");

@@ -34,7 +34,7 @@ TEST(ContainerKeyTest, DefaultVrfSortsFirstAndTheTextRoundTrips) {
 TEST_F(ContainerSmTest, BuildsItsChildrenAndDrivesOnlyAPerVrfViaTable) {
   auto const live = liveSinceStart();
   {
-    Routing::Protocol::ContainerSm::Inputs in;
+    Routing::Protocol::ProtocolContainerSm::Inputs in;
     in.containerKey = ContainerKey("red", Ondex::AddressFamily::ipv6);
     in.vrfId = 9;
     in.ipViaConfig = Routing::Rib::Ip::ViaConfig::ViaConfigIs(Routing::Rib::RoutingProtocol::staticConfig(),
@@ -44,7 +44,7 @@ TEST_F(ContainerSmTest, BuildsItsChildrenAndDrivesOnlyAPerVrfViaTable) {
     in.ribConfig = Routing::Rib::RouteConfig::RouteConfigIs();
     in.intfStatus = Routing::Protocol::Ipv6IntfStatus::Ipv6IntfStatusIs(nullptr);
     in.scheduler = scheduler();
-    auto perVrf = Routing::Protocol::ContainerSm::ContainerSmIs(in);
+    auto perVrf = Routing::Protocol::ProtocolContainerSm::ProtocolContainerSmIs(in);
     EXPECT_TRUE(perVrf->ipViaConfigSm());
     ASSERT_TRUE(perVrf->status());
     EXPECT_EQ(perVrf->status()->key().vrfId, Vrf::VrfIdMap::VrfId(9));
@@ -53,7 +53,7 @@ TEST_F(ContainerSmTest, BuildsItsChildrenAndDrivesOnlyAPerVrfViaTable) {
     EXPECT_TRUE(perVrf->intfSm());
 
     Routing::ViaConfigLib::allVrfViaConfigIs("staticConfig", "ipv6", "rib");
-    auto allVrf = Routing::Protocol::ContainerSm::ContainerSmIs(in);
+    auto allVrf = Routing::Protocol::ProtocolContainerSm::ProtocolContainerSmIs(in);
     EXPECT_FALSE(allVrf->ipViaConfigSm());
     Routing::ViaConfigLib::allVrfViaConfigDel("staticConfig", "ipv6", "rib");
     runToIdle();

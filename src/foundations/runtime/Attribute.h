@@ -282,13 +282,20 @@ class OwnedAttr {
                                                             \
  public:
 
+// An attribute's id: nameId. Two attributes of one class with the same id do not compile (the
+// second declaration of zelAttrIdTaken for that id is an error); every attribute macro declares
+// its id here, and an attribute whose members are written by hand declares it with this macro.
+#define ZEL_ATTR_ID(name, id)                      \
+  static constexpr ::Zel::AttrId name##Id = (id);  \
+  static void zelAttrIdTaken(::Zel::AttrTag<(id)>)
+
 // A scalar: x(), xIs(v), xDel() (back to the default), xInc(n) for numbers.
 #define ZEL_ATTR(Type, name, id) ZEL_ATTR_DEFAULT(Type, name, id, Type{})
 
 // A scalar with a default other than the type's zero value.
 #define ZEL_ATTR_DEFAULT(Type, name, id, initial)                                         \
  public:                                                                                  \
-  static constexpr ::Zel::AttrId name##Id = (id);                                         \
+  ZEL_ATTR_ID(name, id);                                                                  \
   [[nodiscard]] Type const& name() const noexcept { return name##_.get(); }               \
   void name##Is(Type const& v) { name##_.set(*this, name##Id, v); }                       \
   void name##Del() { name##_.set(*this, name##Id, Type(initial)); }                       \
@@ -304,7 +311,7 @@ class OwnedAttr {
 
 // The members every collection has: test, count, iteration, the table itself.
 #define ZEL_COLL_COMMON_(name, id)                                                          \
-  static constexpr ::Zel::AttrId name##Id = (id);                                           \
+  ZEL_ATTR_ID(name, id);                                                                    \
   [[nodiscard]] std::size_t name##Size() const noexcept { return name##_.map().size(); }    \
   [[nodiscard]] auto const& name##Coll() const noexcept { return name##_.map(); }           \
   [[nodiscard]] auto name##Iterator() { return name##_.map().iterator(); }                  \
@@ -386,7 +393,7 @@ class OwnedAttr {
 // One owned entity: x(), xIs(args...) finds or creates, xDel().
 #define ZEL_OWNED(Type, name, id)                                                     \
  public:                                                                              \
-  static constexpr ::Zel::AttrId name##Id = (id);                                     \
+  ZEL_ATTR_ID(name, id);                                                              \
   [[nodiscard]] ::Quill::Ptr<Type> const& name() const noexcept { return name##_.get(); } \
   template <class... A>                                                               \
   ::Quill::Ptr<Type> name##Is(A&&... args) {                                          \

@@ -1,4 +1,4 @@
-#include "input/ContainerSm.h"
+#include "input/RouteInputContainerSm.h"
 
 #include "foundations/runtime/Exception.h"
 #include "foundations/runtime/Trace.h"
@@ -9,18 +9,19 @@ ZEL_TRACE_FACILITY("RouteInput::ContainerSm");
 
 namespace Routing::Input {
 
-ContainerSm::ContainerSm(Inputs const& inputs) : vrfName_(inputs.containerKey.vrfName()), inputs_(inputs) {
+RouteInputContainerSm::RouteInputContainerSm(Inputs const& inputs)
+    : vrfName_(inputs.containerKey.vrfName()), inputs_(inputs) {
   configDirIs(inputs.configDir);
   configTagDirIs(inputs.configTagDir);
   handleInitialized();
 }
 
-Quill::Ptr<Vrf::VrfIdMap::NameToIdMap const> ContainerSm::vrfNameToIdMap() const {
+Quill::Ptr<Vrf::VrfIdMap::NameToIdMap const> RouteInputContainerSm::vrfNameToIdMap() const {
   auto const& wrapper = inputs_.vrfNameStatus;
   return wrapper ? Quill::Ptr<Vrf::VrfIdMap::NameToIdMap const>(wrapper->nameToIdMap()) : nullptr;
 }
 
-void ContainerSm::handleInitialized() {
+void RouteInputContainerSm::handleInitialized() {
   Ondex::AddressFamily const af = inputs_.containerKey.af();
   IC_TRACE(8, "ContainerSm::handleInitialized() vrf=" << vrfName_ << " af=" << af);
   initializedIs(true);
@@ -38,55 +39,35 @@ void ContainerSm::handleInitialized() {
     martianRouteConfig()->routingProtoIs(60);
     // The martian routes travel as one more user's input.
     configByUser()->configIs(martianRouteConfig());
-    martianRouteSmIs(Martian::RouteSm::RouteSmIs(af, vrfName_, martianRouteConfig()));
+    martianRouteSmIs(Martian::MartianRouteSm::MartianRouteSmIs(af, vrfName_, martianRouteConfig()));
     handleConfigDir();
     handleConfigTagDir();
   }
 
   // The input records exist before the protocol container, whose status store exists before the
   // RouteConfigSm that fills it.
-  Protocol::ContainerSm::Inputs core = inputs_;
+  Protocol::ProtocolContainerSm::Inputs core = inputs_;
   core.vrfId = vrfId;
   core.ribString = "rib";
-  protocolContainerSmIs(Protocol::ContainerSm::ContainerSmIs(core));
+  protocolContainerSmIs(Protocol::ProtocolContainerSm::ProtocolContainerSmIs(core));
 
   Static::RouteConfigSm::Inputs rc;
-  rc.containerKey = inputs_.containerKey;
-  rc.vrfNameStatus = inputs_.vrfNameStatus;
+  {
+    auto& to = rc;
+    auto const& from = inputs_;
+    ROUTE_CONFIG_SM_INPUTS(ZEL_INPUTS_COPY)
+  }
   rc.vrfId = vrfId;
   rc.status = protocolContainerSm()->status();
-  rc.ipViaConfig = inputs_.ipViaConfig;
-  rc.evpnViaConfig = inputs_.evpnViaConfig;
-  rc.intfStatus = inputs_.intfStatus;
-  rc.ipv4DefaultVrfViaConfig = inputs_.ipv4DefaultVrfViaConfig;
-  rc.ipv6DefaultVrfViaConfig = inputs_.ipv6DefaultVrfViaConfig;
-  rc.grState = inputs_.grState;
-  rc.vrfReadyStatus = inputs_.vrfReadyStatus;
-  rc.nexthopGroupEntryStatus = inputs_.nexthopGroupEntryStatus;
-  rc.routeCacheRouteHelperSm = inputs_.routeCacheRouteHelperSm;
-  rc.scheduler = inputs_.scheduler;
-  rc.allEgressVrfIntfStatusHelperSm = inputs_.allEgressVrfIntfStatusHelperSm;
-  rc.routingProtocol = inputs_.routingProtocol;
   rc.leakConfig = leakRouteConfig();
-  rc.configTagStatus = inputs_.configTagStatus;
-  rc.configTagIdState = inputs_.configTagIdState;
-  rc.mplsConfig = inputs_.mplsConfig;
   // The general settings are the static routes' (global preference, ECMP grouping).
   rc.routingGeneralConfig = staticMode ? inputs_.routingGeneralConfig : nullptr;
-  rc.resRibProfileContainer = inputs_.resRibProfileContainer;
-  rc.tunnelRibNameIdMap = inputs_.tunnelRibNameIdMap;
-  rc.auxIpViaConfig = inputs_.auxIpViaConfig;
-  rc.vtepSipValidationStatus = inputs_.vtepSipValidationStatus;
-  rc.srConfig = inputs_.config;
-  rc.srConfigDynamic = inputs_.configDynamic;
-  rc.srTaggedConfig = inputs_.taggedConfig;
-  rc.srTaggedDynamicConfig = inputs_.taggedDynamicConfig;
   rc.riConfigByUser = configByUser();
   rc.riConfigTaggedByUser = configTaggedByUser();
   routeConfigSmIs(Static::RouteConfigSm::RouteConfigSmIs(rc));
 }
 
-void ContainerSm::handleConfigDir() {
+void RouteInputContainerSm::handleConfigDir() {
   IC_TRACE(8, "handleConfigDir()");
   if (!initialized() || !configDir()) return;
   for (auto it = configDir()->entryStateIteratorConst(); it; it.advance()) handleConfigDir(it.key());
@@ -111,7 +92,7 @@ void dirEntryToUsers(Zel::Dir const* dir, Users& users, Quill::String const& nam
 
 }  // namespace
 
-void ContainerSm::handleConfigDir(Quill::String const& name) {
+void RouteInputContainerSm::handleConfigDir(Quill::String const& name) {
   IC_TRACE(8, "handleConfigDir(" << name << "), Initialized: " << initialized());
   if (!initialized() || !configByUser()) return;
   if (name.view() == kMartianUser) {
@@ -123,13 +104,13 @@ void ContainerSm::handleConfigDir(Quill::String const& name) {
                               "), Deleting config");
 }
 
-void ContainerSm::handleConfigTagDir() {
+void RouteInputContainerSm::handleConfigTagDir() {
   IC_TRACE(8, "handleConfigTagDir()");
   if (!initialized() || !configTagDir()) return;
   for (auto it = configTagDir()->entryStateIteratorConst(); it; it.advance()) handleConfigTagDir(it.key());
 }
 
-void ContainerSm::handleConfigTagDir(Quill::String const& name) {
+void RouteInputContainerSm::handleConfigTagDir(Quill::String const& name) {
   IC_TRACE(8, "handleConfigTagDir(" << name << "), Initialized: " << (initialized() ? "True" : "False"));
   if (!initialized() || !configTaggedByUser()) return;
   dirEntryToUsers<RouteListTaggedConfig>(configTagDir().get(), *configTaggedByUser(), name, vrfName_,

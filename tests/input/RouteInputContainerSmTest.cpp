@@ -1,6 +1,6 @@
 // The route input container: input records, protocol core and route machine built in order, for
 // both protocols, and the agents' route lists collected from a directory.
-#include "input/ContainerSm.h"
+#include "input/RouteInputContainerSm.h"
 
 #include <cstdlib>
 
@@ -15,8 +15,8 @@ namespace {
 
 class InputContainerSmTest : public RuntimeFixture {
  protected:
-  Routing::Input::ContainerSm::Inputs inputs(Routing::Rib::RoutingProtocol protocol) {
-    Routing::Input::ContainerSm::Inputs in;
+  Routing::Input::RouteInputContainerSm::Inputs inputs(Routing::Rib::RoutingProtocol protocol) {
+    Routing::Input::RouteInputContainerSm::Inputs in;
     in.containerKey = Routing::Protocol::ContainerKey(h.vrfName, h.af);
     in.routingProtocol = protocol;
     in.ipViaConfig = h.ipViaConfig;
@@ -30,7 +30,7 @@ class InputContainerSmTest : public RuntimeFixture {
     in.scheduler = scheduler();
     in.allEgressVrfIntfStatusHelperSm = h.egress;
     in.mplsConfig = h.mpls;
-    in.config = h.config;
+    in.srConfig = h.config;
     in.routeStatusDir = h.statusDir;
     return in;
   }
@@ -41,7 +41,8 @@ class InputContainerSmTest : public RuntimeFixture {
 TEST_F(InputContainerSmTest, StaticModeCarriesAConfiguredRouteToTheRib) {
   rib.viaMetricStatusSmIs(h.statusDir);
   h.routeIs(*h.config, "20.0.0.0/8")->viaIs(StaticRouteHarness::via("10.0.0.1"), {});
-  auto sm = Routing::Input::ContainerSm::ContainerSmIs(inputs(Routing::Rib::RoutingProtocol::staticConfig()));
+  auto sm = Routing::Input::RouteInputContainerSm::RouteInputContainerSmIs(
+      inputs(Routing::Rib::RoutingProtocol::staticConfig()));
   runToIdle();
   EXPECT_TRUE(sm->leakRouteConfig());
   EXPECT_FALSE(sm->configByUser());
@@ -63,7 +64,7 @@ TEST_F(InputContainerSmTest, RouteInputModeCollectsTheAgentsListsAfterTheMartian
   dir->entityIs("agentA", agent);
   auto in = inputs(Routing::Rib::RoutingProtocol::routeInput());
   in.configDir = dir;
-  auto sm = Routing::Input::ContainerSm::ContainerSmIs(in);
+  auto sm = Routing::Input::RouteInputContainerSm::RouteInputContainerSmIs(in);
   runToIdle();
   EXPECT_FALSE(sm->leakRouteConfig());
   ASSERT_TRUE(sm->configByUser());
@@ -107,7 +108,7 @@ TEST_F(InputContainerSmTest, TheMartianListWinsItsKeysOverEveryUser) {
     }
     auto in = inputs(Routing::Rib::RoutingProtocol::routeInput());
     in.configDir = dir;
-    auto sm = Routing::Input::ContainerSm::ContainerSmIs(in);
+    auto sm = Routing::Input::RouteInputContainerSm::RouteInputContainerSmIs(in);
     h.status = sm->protocolContainerSm()->status();  // the harness's readers look there
     runToIdle();
     if (!usersFirst) {

@@ -2,7 +2,8 @@
 // (leaked routes in static mode; in route-input mode the users' lists, collected from the agents'
 // directories, with the martian list as one more user), then the protocol core (status store,
 // review into the RIB) and the RouteConfigSm that fills it, in that order. Owned by the hosting
-// agent, one per VRF, family and protocol.
+// agent, one per VRF, family and protocol. It watches the agents' directories (route-input mode)
+// and writes the users' collections from them.
 #pragma once
 
 #include "foundations/records/BfdTrackedStaticRoutes.h"
@@ -18,33 +19,20 @@
 
 namespace Routing::Input {
 
-class ContainerSm : public Zel::StateMachine<ContainerSm> {
+class RouteInputContainerSm : public Zel::StateMachine<RouteInputContainerSm> {
  public:
   // The constructor's arguments: those the protocol core takes (its vrfId and ribString are set
   // here, from the VRF map and "rib"; routeStatusDir is the family's directory of status stores,
   // which the via metric machine watches, and null gives the container its own), then the inputs
-  // of the route config machine.
-  struct Inputs : Protocol::ContainerSm::Inputs {
-    Quill::Ptr<::NexthopGroup::EntryStatus const> nexthopGroupEntryStatus;
-    Quill::Ptr<Protocol::GrState const> grState;
-    Quill::Ptr<Mpls::Config const> mplsConfig;
-    Quill::Ptr<Static::ResRibProfileContainer const> resRibProfileContainer;
-    Quill::Ptr<Vrf::VrfIdMap::NameToIdMapWrapper const> vrfNameStatus;
-    Quill::Ptr<Static::RouteCacheRouteHelperSm> routeCacheRouteHelperSm;
-    Quill::Ptr<Static::AllEgressVrfIntfStatusHelperSm> allEgressVrfIntfStatusHelperSm;
-    Quill::Ptr<Vxlan::VtepSipValidationStatus> vtepSipValidationStatus;
-    Quill::Ptr<ConfigTag::ConfigTagStatus const> configTagStatus;
-    Quill::Ptr<ConfigTag::ConfigTagIdState const> configTagIdState;
-    Quill::Ptr<Tunnel::TunnelTable::TunnelRibNameIdMap const> tunnelRibNameIdMap;
-    Quill::Ptr<RouteList const> config;
-    Quill::Ptr<RouteList const> configDynamic;
-    Quill::Ptr<VrfRouteListTaggedConfig const> taggedConfig;
-    Quill::Ptr<VrfRouteListTaggedConfig const> taggedDynamicConfig;
+  // of the route config machine that the caller gives (the CALLER entries of its list), then the
+  // agents' directories of the route-input mode.
+  struct Inputs : Protocol::ProtocolContainerSm::Inputs {
+    ROUTE_CONFIG_SM_INPUTS(ZEL_INPUTS_CALLER_FIELD)
     Quill::Ptr<Zel::Dir const> configDir;
     Quill::Ptr<Zel::Dir const> configTagDir;
   };
-  [[nodiscard]] static Quill::Ptr<ContainerSm> ContainerSmIs(Inputs const& inputs) {
-    return Zel::make<ContainerSm>(inputs);
+  [[nodiscard]] static Quill::Ptr<RouteInputContainerSm> RouteInputContainerSmIs(Inputs const& inputs) {
+    return Zel::make<RouteInputContainerSm>(inputs);
   }
 
   void handleInitialized();
@@ -59,26 +47,27 @@ class ContainerSm : public Zel::StateMachine<ContainerSm> {
   [[nodiscard]] Quill::Ptr<Vrf::VrfIdMap::NameToIdMap const> vrfNameToIdMap() const;
 
   using ConfigDirReactors =
-      Zel::Reactors<Zel::On<Zel::Dir::entryStateId,
-                            static_cast<void (ContainerSm::*)(Quill::String const&)>(&ContainerSm::handleConfigDir)>>;
+      Zel::Reactors<Zel::On<Zel::Dir::entryStateId, static_cast<void (RouteInputContainerSm::*)(Quill::String const&)>(
+                                                        &RouteInputContainerSm::handleConfigDir)>>;
   ZEL_INPUT(Zel::Dir, configDir, ConfigDirReactors)
-  using ConfigTagDirReactors = Zel::Reactors<Zel::On<
-      Zel::Dir::entryStateId, static_cast<void (ContainerSm::*)(Quill::String const&)>(&ContainerSm::handleConfigTagDir)>>;
+  using ConfigTagDirReactors =
+      Zel::Reactors<Zel::On<Zel::Dir::entryStateId, static_cast<void (RouteInputContainerSm::*)(Quill::String const&)>(
+                                                        &RouteInputContainerSm::handleConfigTagDir)>>;
   ZEL_INPUT(Zel::Dir, configTagDir, ConfigTagDirReactors)
 
   // Own records and children, in the order they are made.
   ZEL_ATTR(Quill::Ptr<Protocol::LeakRouteConfig>, leakRouteConfig, 130)
   ZEL_ATTR(Quill::Ptr<RouteInput>, martianRouteConfig, 131)
-  ZEL_ATTR(Quill::Ptr<Martian::RouteSm>, martianRouteSm, 132)
+  ZEL_ATTR(Quill::Ptr<Martian::MartianRouteSm>, martianRouteSm, 132)
   ZEL_ATTR(Quill::Ptr<ConfigByUser>, configByUser, 133)
   ZEL_ATTR(Quill::Ptr<ConfigTaggedByUser>, configTaggedByUser, 134)
-  ZEL_ATTR(Quill::Ptr<Protocol::ContainerSm>, protocolContainerSm, 135)
+  ZEL_ATTR(Quill::Ptr<Protocol::ProtocolContainerSm>, protocolContainerSm, 135)
   ZEL_ATTR(Quill::Ptr<Static::RouteConfigSm>, routeConfigSm, 136)
   ZEL_ATTR(bool, initialized, 137)
 
  protected:
   friend struct Zel::Factory;
-  explicit ContainerSm(Inputs const& inputs);
+  explicit RouteInputContainerSm(Inputs const& inputs);
 
  private:
   Inputs inputs_;

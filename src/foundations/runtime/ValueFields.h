@@ -20,9 +20,9 @@
 //                         Zel::FieldText<M>: unsigned numbers bare, bools True/False, strings quoted,
 //                         ranges as "[a, b]", any other type by its own valueToStrep and fromStrep.
 // fromStrep builds the default value and sets each field, so the type is default-constructible and
-// its fields assignable. A plain aggregate (which a base class would stop being one) keeps its
-// defaulted == and <=> and takes its hash from Zel::hashFields. The field list reads private members: fields() may be private when the
-// type befriends Zel::ValueFieldsAccess.
+// its fields assignable. fields() may be private when the type befriends Zel::ValueFieldsAccess.
+// A plain aggregate (which a base class would stop being) keeps its defaulted == and <=> and takes
+// its hash from Zel::hashFields.
 #pragma once
 
 #include <compare>

@@ -24,6 +24,7 @@
 #include "foundations/records/RouteKey.h"
 #include "foundations/rib/RibTypes.h"
 #include "foundations/runtime/Attribute.h"
+#include "foundations/runtime/ValueFields.h"
 #include "foundations/types/AddressFamily.h"
 
 namespace Routing::Protocol {
@@ -33,23 +34,22 @@ inline constexpr Vrf::VrfIdMap::VrfId vrfIdNull = Vrf::VrfIdMap::VrfId::none();
 
 // One VRF and address family: a leak source or destination. The default, no VRF and no family, is
 // what a lookup that misses reads.
-class VrfIdAf {
+class VrfIdAf : public Zel::ValueFields<VrfIdAf> {
  public:
+  // Hash, equality, order (by VRF id, then family) and the text form
+  // "Value('Routing::Protocol::VrfIdAf', ** {'vrfId': 3, 'af': 'ipv4'})" come from these.
+  static constexpr std::string_view kTypeName = "Routing::Protocol::VrfIdAf";
+  static constexpr auto fields() {
+    return std::tuple{Zel::field("vrfId", &VrfIdAf::vrfId_), Zel::field("af", &VrfIdAf::af_)};
+  }
+
   constexpr VrfIdAf() noexcept = default;
   constexpr VrfIdAf(Vrf::VrfIdMap::VrfId vrfId, Ondex::AddressFamily af) noexcept : vrfId_(vrfId), af_(af) {}
 
   [[nodiscard]] constexpr Vrf::VrfIdMap::VrfId vrfId() const noexcept { return vrfId_; }
   [[nodiscard]] constexpr Ondex::AddressFamily af() const noexcept { return af_; }
 
-  [[nodiscard]] std::uint32_t hash(std::uint32_t seed) const noexcept;
-  [[nodiscard]] static constexpr bool isEq(VrfIdAf a, VrfIdAf b) noexcept { return a == b; }
-  friend constexpr bool operator==(VrfIdAf a, VrfIdAf b) noexcept = default;
-  // By VRF id, then family.
-  friend constexpr std::strong_ordering operator<=>(VrfIdAf a, VrfIdAf b) noexcept = default;
   friend std::ostream& operator<<(std::ostream& os, VrfIdAf k) { return os << valueToStrep(k); }
-  // "Value('Routing::Protocol::VrfIdAf', ** {'vrfId': 3, 'af': 'ipv4'})", and back.
-  friend std::string valueToStrep(VrfIdAf k);
-  [[nodiscard]] static std::optional<VrfIdAf> fromStrep(std::string_view text);
 
  private:
   Vrf::VrfIdMap::VrfId vrfId_ = vrfIdNull;
@@ -57,8 +57,16 @@ class VrfIdAf {
 };
 
 // A source VRF, a destination VRF and the family: the key of one LeakRouteList.
-class VrfPairAf {
+class VrfPairAf : public Zel::ValueFields<VrfPairAf> {
  public:
+  // Hash, equality, order (by source, then destination, then family) and the text form
+  // "Value('Routing::Protocol::VrfPairAf', ** {'srcVrf': 3, 'dstVrf': 9, 'af': 'ipv4'})" come from these.
+  static constexpr std::string_view kTypeName = "Routing::Protocol::VrfPairAf";
+  static constexpr auto fields() {
+    return std::tuple{Zel::field("srcVrf", &VrfPairAf::srcVrf_), Zel::field("dstVrf", &VrfPairAf::dstVrf_),
+                      Zel::field("af", &VrfPairAf::af_)};
+  }
+
   constexpr VrfPairAf() noexcept = default;
   constexpr VrfPairAf(Vrf::VrfIdMap::VrfId srcVrf, Vrf::VrfIdMap::VrfId dstVrf, Ondex::AddressFamily af) noexcept
       : srcVrf_(srcVrf), dstVrf_(dstVrf), af_(af) {}
@@ -67,15 +75,7 @@ class VrfPairAf {
   [[nodiscard]] constexpr Vrf::VrfIdMap::VrfId dstVrf() const noexcept { return dstVrf_; }
   [[nodiscard]] constexpr Ondex::AddressFamily af() const noexcept { return af_; }
 
-  [[nodiscard]] std::uint32_t hash(std::uint32_t seed) const noexcept;
-  [[nodiscard]] static constexpr bool isEq(VrfPairAf a, VrfPairAf b) noexcept { return a == b; }
-  friend constexpr bool operator==(VrfPairAf a, VrfPairAf b) noexcept = default;
-  // By source, then destination, then family.
-  friend constexpr std::strong_ordering operator<=>(VrfPairAf a, VrfPairAf b) noexcept = default;
   friend std::ostream& operator<<(std::ostream& os, VrfPairAf k) { return os << valueToStrep(k); }
-  // "Value('Routing::Protocol::VrfPairAf', ** {'srcVrf': 3, 'dstVrf': 9, 'af': 'ipv4'})", and back.
-  friend std::string valueToStrep(VrfPairAf k);
-  [[nodiscard]] static std::optional<VrfPairAf> fromStrep(std::string_view text);
 
  private:
   Vrf::VrfIdMap::VrfId srcVrf_ = vrfIdNull;

@@ -1,6 +1,6 @@
 #include "protocol/ProtocolRouteStatus.h"
 
-#include "foundations/types/ValueText.h"
+#include "foundations/runtime/ValueText.h"
 
 namespace Routing::Protocol {
 

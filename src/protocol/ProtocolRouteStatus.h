@@ -62,7 +62,6 @@ struct RouteStatusKey {
   Ondex::AddressFamily af;
 
   [[nodiscard]] std::uint32_t hash(std::uint32_t seed) const noexcept;
-  [[nodiscard]] static bool isEq(RouteStatusKey const& a, RouteStatusKey const& b) noexcept { return a == b; }
   friend bool operator==(RouteStatusKey const& a, RouteStatusKey const& b) noexcept = default;
   friend bool operator<(RouteStatusKey const& a, RouteStatusKey const& b) noexcept {
     return a.vrfId != b.vrfId ? a.vrfId < b.vrfId : a.af < b.af;

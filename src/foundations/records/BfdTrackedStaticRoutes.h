@@ -6,12 +6,14 @@
 
 #include <cstdint>
 #include <ostream>
+#include <tuple>
 
 #include <fmt/ostream.h>
 
 #include "foundations/records/RouteKey.h"
 #include "foundations/records/TrackedViaList.h"
 #include "foundations/runtime/Attribute.h"
+#include "foundations/runtime/ValueFields.h"
 #include "foundations/types/IntfId.h"
 #include "foundations/types/IpGenAddr.h"
 #include "foundations/types/VrfName.h"
@@ -20,20 +22,19 @@ namespace Routing {
 
 // A BFD peer: its address, and for an IPv6 link-local address the interface it is reached on
 // (the empty interface for every other address).
-class BfdStatusKey {
+class BfdStatusKey : public Zel::ValueFields<BfdStatusKey> {
  public:
+  // Hash, equality and order (address first) come from these.
+  static constexpr auto fields() {
+    return std::tuple{Zel::field("ip", &BfdStatusKey::ip_), Zel::field("intf", &BfdStatusKey::intf_)};
+  }
+
   BfdStatusKey() noexcept = default;
   BfdStatusKey(Ondex::IpGenAddr const& ip, Ondex::IntfId intf) noexcept : ip_(ip), intf_(intf) {}
 
   [[nodiscard]] Ondex::IpGenAddr const& ip() const noexcept { return ip_; }
   [[nodiscard]] Ondex::IntfId intf() const noexcept { return intf_; }
 
-  [[nodiscard]] std::uint32_t hash(std::uint32_t seed) const noexcept { return ip_.hash(intf_.hash(seed)); }
-  friend bool operator==(BfdStatusKey const& a, BfdStatusKey const& b) noexcept = default;
-  friend bool operator<(BfdStatusKey const& a, BfdStatusKey const& b) noexcept {
-    if (a.ip_ != b.ip_) return a.ip_ < b.ip_;
-    return a.intf_ < b.intf_;
-  }
   friend std::ostream& operator<<(std::ostream& os, BfdStatusKey const& k) {
     return os << k.ip_ << (k.intf_.empty() ? "" : "%") << k.intf_;
   }

@@ -7,49 +7,39 @@
 // deleted during a walk, and resuming from a saved key visits exactly the entries after it).
 #pragma once
 
-#include <compare>
 #include <cstdint>
-#include <optional>
 #include <ostream>
-#include <string>
 #include <string_view>
+#include <tuple>
 
 #include <fmt/ostream.h>
 
 #include "foundations/runtime/Attribute.h"
 #include "foundations/runtime/String.h"
+#include "foundations/runtime/ValueFields.h"
 
 namespace NexthopGroup {
 
 using NexthopGroupId = std::uint32_t;
 
 // The key of a group's entry: its name.
-class NexthopGroupEntryKey {
+class NexthopGroupEntryKey : public Zel::ValueFields<NexthopGroupEntryKey> {
  public:
+  // Hash, equality, order and the text form
+  // "Value('NexthopGroup::NexthopGroupEntryKey', ** {'nhgName': 'g1'})" come from these.
+  static constexpr std::string_view kTypeName = "NexthopGroup::NexthopGroupEntryKey";
+  static constexpr auto fields() { return std::tuple{Zel::field("nhgName", &NexthopGroupEntryKey::nhgName_)}; }
+
   NexthopGroupEntryKey() noexcept = default;
   explicit NexthopGroupEntryKey(Zel::String name) noexcept : nhgName_(std::move(name)) {}
 
   [[nodiscard]] Zel::String const& nhgName() const noexcept { return nhgName_; }
 
-  // "Value('NexthopGroup::NexthopGroupEntryKey', ** {'nhgName': 'g1'})" and its inverse.
-  [[nodiscard]] std::string toStrep() const;
-  [[nodiscard]] static std::optional<NexthopGroupEntryKey> fromStrep(std::string_view text);
-
-  [[nodiscard]] std::uint32_t hash(std::uint32_t seed) const noexcept { return nhgName_.hash(seed); }
-  [[nodiscard]] static bool isEq(NexthopGroupEntryKey const& a, NexthopGroupEntryKey const& b) noexcept {
-    return a == b;
-  }
-  friend bool operator==(NexthopGroupEntryKey const& a, NexthopGroupEntryKey const& b) noexcept = default;
-  friend std::strong_ordering operator<=>(NexthopGroupEntryKey const& a, NexthopGroupEntryKey const& b) noexcept {
-    return a.nhgName_ <=> b.nhgName_;
-  }
-  friend std::ostream& operator<<(std::ostream& os, NexthopGroupEntryKey const& k) { return os << k.toStrep(); }
+  friend std::ostream& operator<<(std::ostream& os, NexthopGroupEntryKey const& k) { return os << valueToStrep(k); }
 
  private:
   Zel::String nhgName_;
 };
-
-[[nodiscard]] inline std::string valueToStrep(NexthopGroupEntryKey const& k) { return k.toStrep(); }
 
 class EntryStatus : public Zel::Entity {
  public:

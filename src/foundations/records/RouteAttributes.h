@@ -4,19 +4,25 @@
 #pragma once
 
 #include <cstdint>
-#include <optional>
 #include <ostream>
-#include <string>
 #include <string_view>
+#include <tuple>
 #include <utility>
 #include <vector>
 
 #include <fmt/ostream.h>
 
+#include "foundations/runtime/ValueFields.h"
+
 namespace Routing {
 
-class RouteAttributes {
+class RouteAttributes : public Zel::ValueFields<RouteAttributes> {
  public:
+  // Hash, equality, order and the text form "Value('Routing::RouteAttributes', ** {'community': [1, 2]})"
+  // come from these.
+  static constexpr std::string_view kTypeName = "Routing::RouteAttributes";
+  static constexpr auto fields() { return std::tuple{Zel::field("community", &RouteAttributes::community_)}; }
+
   // The element of the community vector.
   using VE_Community = std::uint32_t;
 
@@ -34,21 +40,11 @@ class RouteAttributes {
     return *this;
   }
 
-  // "Value('Routing::RouteAttributes', ** {'community': [1, 2]})" and its inverse.
-  [[nodiscard]] std::string toStrep() const;
-  [[nodiscard]] static std::optional<RouteAttributes> fromStrep(std::string_view text);
-
-  // Covers the communities in order.
-  [[nodiscard]] std::uint32_t hash(std::uint32_t seed) const noexcept;
-  [[nodiscard]] static bool isEq(RouteAttributes const& a, RouteAttributes const& b) noexcept { return a == b; }
-  friend bool operator==(RouteAttributes const& a, RouteAttributes const& b) noexcept = default;
-  friend std::ostream& operator<<(std::ostream& os, RouteAttributes const& a) { return os << a.toStrep(); }
+  friend std::ostream& operator<<(std::ostream& os, RouteAttributes const& a) { return os << valueToStrep(a); }
 
  private:
   std::vector<VE_Community> community_;
 };
-
-[[nodiscard]] inline std::string valueToStrep(RouteAttributes const& a) { return a.toStrep(); }
 
 }  // namespace Routing
 

@@ -3,22 +3,28 @@
 // it. The same prefix under two preferences is two routes.
 #pragma once
 
-#include <compare>
-#include <cstdint>
-#include <optional>
 #include <ostream>
 #include <string>
 #include <string_view>
+#include <tuple>
 
 #include <fmt/ostream.h>
 
 #include "foundations/records/RoutePreference.h"
+#include "foundations/runtime/ValueFields.h"
 #include "foundations/types/IpGenPrefix.h"
 
 namespace Routing {
 
-class RouteKey {
+class RouteKey : public Zel::ValueFields<RouteKey> {
  public:
+  // Hash, equality, order (prefix first, then preference) and the text form
+  // "Value('Routing::RouteKey', ** {'prefix': '10.0.0.0/8', 'preference': 1})" come from these.
+  static constexpr std::string_view kTypeName = "Routing::RouteKey";
+  static constexpr auto fields() {
+    return std::tuple{Zel::field("prefix", &RouteKey::prefix_), Zel::field("preference", &RouteKey::preference_)};
+  }
+
   // The empty prefix with preference 1.
   constexpr RouteKey() noexcept = default;
   constexpr explicit RouteKey(Ondex::IpGenPrefix const& prefix, RoutePreference preference = RoutePreference()) noexcept
@@ -31,27 +37,12 @@ class RouteKey {
 
   // Short human form for trace: "10.0.0.0/8 pref 1".
   [[nodiscard]] std::string pretty() const;
-  // "Value('Routing::RouteKey', ** {'prefix': '10.0.0.0/8', 'preference': 1})" and its inverse.
-  [[nodiscard]] std::string toStrep() const;
-  [[nodiscard]] static std::optional<RouteKey> fromStrep(std::string_view text);
-
-  // Covers the address, the length and family, and the preference.
-  [[nodiscard]] std::uint32_t hash(std::uint32_t seed) const noexcept;
-  [[nodiscard]] static constexpr bool isEq(RouteKey const& a, RouteKey const& b) noexcept { return a == b; }
-  friend constexpr bool operator==(RouteKey const& a, RouteKey const& b) noexcept = default;
-  // Prefix first, then preference.
-  friend std::strong_ordering operator<=>(RouteKey const& a, RouteKey const& b) noexcept {
-    if (auto c = a.prefix_ <=> b.prefix_; c != 0) return c;
-    return a.preference_ <=> b.preference_;
-  }
-  friend std::ostream& operator<<(std::ostream& os, RouteKey const& k) { return os << k.toStrep(); }
+  friend std::ostream& operator<<(std::ostream& os, RouteKey const& k) { return os << valueToStrep(k); }
 
  private:
   Ondex::IpGenPrefix prefix_;
   RoutePreference preference_;
 };
-
-[[nodiscard]] inline std::string valueToStrep(RouteKey const& k) { return k.toStrep(); }
 
 }  // namespace Routing
 

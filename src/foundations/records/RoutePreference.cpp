@@ -1,7 +1,7 @@
 #include "foundations/records/RoutePreference.h"
 
 #include "foundations/runtime/Hash.h"
-#include "foundations/types/ValueText.h"
+#include "foundations/runtime/ValueText.h"
 
 namespace Routing {
 

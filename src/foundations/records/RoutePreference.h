@@ -31,7 +31,6 @@ class RoutePreference {
   [[nodiscard]] static std::optional<RoutePreference> fromStrep(std::string_view text) { return fromString(text); }
 
   [[nodiscard]] std::uint32_t hash(std::uint32_t seed) const noexcept;
-  [[nodiscard]] static constexpr bool isEq(RoutePreference a, RoutePreference b) noexcept { return a == b; }
   friend constexpr bool operator==(RoutePreference a, RoutePreference b) noexcept = default;
   friend constexpr std::strong_ordering operator<=>(RoutePreference a, RoutePreference b) noexcept = default;
   friend std::ostream& operator<<(std::ostream& os, RoutePreference p) { return os << unsigned(p.value_); }

@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "foundations/types/ValueText.h"
+#include "foundations/runtime/ValueText.h"
 
 namespace Routing {
 

@@ -3,19 +3,26 @@
 // value of Route::via; changing either is a change of the value at the via's key.
 #pragma once
 
-#include <compare>
 #include <cstdint>
-#include <optional>
 #include <ostream>
-#include <string>
 #include <string_view>
+#include <tuple>
 
 #include <fmt/ostream.h>
 
+#include "foundations/runtime/ValueFields.h"
+
 namespace Routing {
 
-class RouteViaAttr {
+class RouteViaAttr : public Zel::ValueFields<RouteViaAttr> {
  public:
+  // Hash, equality, order (metric first, then weight) and the text form
+  // "Value('Routing::RouteViaAttr', ** {'metric': 1, 'weight': 0})" come from these.
+  static constexpr std::string_view kTypeName = "Routing::RouteViaAttr";
+  static constexpr auto fields() {
+    return std::tuple{Zel::field("metric", &RouteViaAttr::metric_), Zel::field("weight", &RouteViaAttr::weight_)};
+  }
+
   constexpr RouteViaAttr() noexcept = default;
   constexpr RouteViaAttr(std::uint32_t metric, std::uint32_t weight) noexcept : metric_(metric), weight_(weight) {}
 
@@ -30,23 +37,12 @@ class RouteViaAttr {
     return *this;
   }
 
-  // "Value('Routing::RouteViaAttr', ** {'metric': 1, 'weight': 0})" and its inverse.
-  [[nodiscard]] std::string toStrep() const;
-  [[nodiscard]] static std::optional<RouteViaAttr> fromStrep(std::string_view text);
-
-  [[nodiscard]] std::uint32_t hash(std::uint32_t seed) const noexcept;
-  [[nodiscard]] static constexpr bool isEq(RouteViaAttr a, RouteViaAttr b) noexcept { return a == b; }
-  friend constexpr bool operator==(RouteViaAttr a, RouteViaAttr b) noexcept = default;
-  // Metric first, then weight.
-  friend constexpr std::strong_ordering operator<=>(RouteViaAttr a, RouteViaAttr b) noexcept = default;
-  friend std::ostream& operator<<(std::ostream& os, RouteViaAttr a) { return os << a.toStrep(); }
+  friend std::ostream& operator<<(std::ostream& os, RouteViaAttr a) { return os << valueToStrep(a); }
 
  private:
   std::uint32_t metric_ = 0;
   std::uint32_t weight_ = 0;
 };
-
-[[nodiscard]] inline std::string valueToStrep(RouteViaAttr a) { return a.toStrep(); }
 
 }  // namespace Routing
 

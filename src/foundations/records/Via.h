@@ -7,16 +7,14 @@
 // A hop with no family, or the all-zero address of either family, is no next hop.
 #pragma once
 
-#include <compare>
-#include <cstdint>
-#include <optional>
 #include <ostream>
-#include <string>
 #include <string_view>
+#include <tuple>
 
 #include <fmt/ostream.h>
 
 #include "foundations/runtime/Optional.h"
+#include "foundations/runtime/ValueFields.h"
 #include "foundations/types/EthAddr.h"
 #include "foundations/types/IntfId.h"
 #include "foundations/types/IpGenAddr.h"
@@ -26,8 +24,23 @@
 
 namespace Routing {
 
-class Via {
+class Via : public Zel::ValueFields<Via> {
  public:
+  // Hash, equality, order (field by field in this order) and the text form
+  // "Value('Routing::Via', ** {'hop': '10.0.0.1', 'intfId': 'Ethernet1', ...})" come from these.
+  static constexpr std::string_view kTypeName = "Routing::Via";
+  static constexpr auto fields() {
+    return std::tuple{Zel::field("hop", &Via::hop_),
+                      Zel::field("intfId", &Via::intfId_),
+                      Zel::field("mplsLabel", &Via::mplsLabel_),
+                      Zel::field("vni", &Via::vni_),
+                      Zel::field("vtepSipValidation", &Via::vtepSipValidation_),
+                      Zel::field("vtepAddr", &Via::vtepAddr_),
+                      Zel::field("routerMac", &Via::routerMac_),
+                      Zel::field("egressVrf", &Via::egressVrf_),
+                      Zel::field("localAddr", &Via::localAddr_)};
+  }
+
   Via() noexcept = default;
   // The common IP via: a next hop, an egress interface, or both.
   explicit Via(Ondex::IpGenAddr const& hop, Ondex::IntfId intfId = Ondex::IntfId()) noexcept
@@ -98,18 +111,7 @@ class Via {
   // The via leaves through another VRF (an inter-VRF via).
   [[nodiscard]] bool hasEgressVrf() const noexcept { return !egressVrf_.empty(); }
 
-  // "Value('Routing::Via', ** {'hop': '10.0.0.1', 'intfId': 'Ethernet1', ...})", all nine fields in
-  // declaration order, and its inverse.
-  [[nodiscard]] std::string toStrep() const;
-  [[nodiscard]] static std::optional<Via> fromStrep(std::string_view text);
-
-  [[nodiscard]] std::uint32_t hash(std::uint32_t seed) const noexcept;
-  [[nodiscard]] static bool isEq(Via const& a, Via const& b) noexcept { return a == b; }
-  friend bool operator==(Via const& a, Via const& b) noexcept = default;
-  // Field by field in declaration order: hop, intfId, mplsLabel, vni, vtepSipValidation, vtepAddr,
-  // routerMac, egressVrf, localAddr.
-  friend std::strong_ordering operator<=>(Via const& a, Via const& b) noexcept;
-  friend std::ostream& operator<<(std::ostream& os, Via const& v) { return os << v.toStrep(); }
+  friend std::ostream& operator<<(std::ostream& os, Via const& v) { return os << valueToStrep(v); }
 
  private:
   // Widest first, so that the 80 bytes hold no padding but the tail.
@@ -124,7 +126,7 @@ class Via {
   bool vtepSipValidation_ = false;
 };
 
-[[nodiscard]] inline std::string valueToStrep(Via const& v) { return v.toStrep(); }
+static_assert(sizeof(Via) <= 80, "a via is held by the million: keep it within 80 bytes");
 
 }  // namespace Routing
 

@@ -3,21 +3,28 @@
 // the table deduplicates. A plain value; it owns nothing and writes nothing.
 #pragma once
 
-#include <compare>
 #include <cstdint>
 #include <ostream>
+#include <tuple>
 
 #include <fmt/ostream.h>
 
 #include "foundations/rib/ViaKey.h"
+#include "foundations/runtime/ValueFields.h"
 #include "foundations/types/EthAddr.h"
 #include "foundations/types/IpGenAddr.h"
 #include "foundations/types/VniExt.h"
 
 namespace Routing::Rib::Evpn {
 
-class Via {
+class Via : public Zel::ValueFields<Via> {
  public:
+  // Hash, equality and order (field by field: a total order for tables keyed by content) come from these.
+  static constexpr auto fields() {
+    return std::tuple{Zel::field("viaKey", &Via::viaKey_), Zel::field("vtepAddr", &Via::vtepAddr_),
+                      Zel::field("routerMac", &Via::routerMac_), Zel::field("vni", &Via::vni_)};
+  }
+
   Via() = default;
   explicit Via(ViaKey const& key) : viaKey_(key) {}
   // The content of a via; the VNI is range-checked where the caller builds its Vxlan::VniExt.
@@ -33,10 +40,6 @@ class Via {
   void routerMacIs(Ondex::EthAddr const& mac) noexcept { routerMac_ = mac; }
   void vtepAddrIs(Ondex::IpGenAddr const& addr) noexcept { vtepAddr_ = addr; }
 
-  [[nodiscard]] std::uint32_t hash(std::uint32_t seed) const noexcept;
-  friend bool operator==(Via const& a, Via const& b) noexcept = default;
-  // Field by field: a total order for tables keyed by content.
-  friend std::strong_ordering operator<=>(Via const& a, Via const& b) noexcept = default;
   // "EvpnVia(key: vtep 1.1.1.1 vni 10 rmac aa:bb:cc:dd:ee:ff)", for traces.
   friend std::ostream& operator<<(std::ostream& os, Via const& v);
 

@@ -5,14 +5,15 @@
 #pragma once
 
 #include <array>
-#include <compare>
 #include <cstdint>
 #include <ostream>
+#include <tuple>
 #include <string_view>
 
 #include <fmt/ostream.h>
 
 #include "foundations/rib/RangedIndex.h"
+#include "foundations/runtime/ValueFields.h"
 
 namespace Routing::IgpRedistribute {
 
@@ -26,7 +27,7 @@ using CommunityIndex = Routing::Rib::RangedIndex<CommunityIndexName, 3>;
 
 namespace Routing::Bgp {
 
-class IgpResult {
+class IgpResult : public Zel::ValueFields<IgpResult> {
  public:
   static constexpr std::uint32_t kMaxCommunities = IgpRedistribute::CommunityIndex::kMax + 1;
 
@@ -42,9 +43,11 @@ class IgpResult {
   void communityIs(IgpRedistribute::CommunityIndex index, std::uint32_t value) noexcept;
   [[nodiscard]] std::uint32_t communityCount() const noexcept { return communityCount_; }
 
-  [[nodiscard]] std::uint32_t hash(std::uint32_t seed) const noexcept;
-  friend bool operator==(IgpResult const& a, IgpResult const& b) noexcept = default;
-  friend std::strong_ordering operator<=>(IgpResult const& a, IgpResult const& b) noexcept = default;
+  // Hash, equality and order come from these (the communities past the used ones stay 0).
+  static constexpr auto fields() {
+    return std::tuple{Zel::field("tag", &IgpResult::tag_), Zel::field("communityCount", &IgpResult::communityCount_),
+                      Zel::field("community", &IgpResult::community_)};
+  }
   // "IgpResult(tag 5 communities [1, 2])".
   friend std::ostream& operator<<(std::ostream& os, IgpResult const& r);
 

@@ -4,10 +4,6 @@
 
 namespace Routing::Rib::Ip {
 
-std::uint32_t GlobalNextHopDependencyGraph::LoopingVia::hash(std::uint32_t seed) const noexcept {
-  return Zel::HashBuilder(seed).add(prefix.hash(seed)).add(vrfId.value()).add(viaKey.hash(seed)).value();
-}
-
 Quill::Ptr<GlobalNextHopDependencyGraph> GlobalNextHopDependencyGraph::GlobalNextHopDependencyGraphIs() {
   return Zel::make<GlobalNextHopDependencyGraph>();
 }

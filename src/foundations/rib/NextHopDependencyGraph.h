@@ -10,11 +10,13 @@
 #include <cstdint>
 #include <functional>
 #include <string_view>
+#include <tuple>
 
 #include "foundations/rib/RibTypes.h"
 #include "foundations/rib/ViaKey.h"
 #include "foundations/runtime/Attribute.h"
 #include "foundations/runtime/String.h"
+#include "foundations/runtime/ValueFields.h"
 #include "foundations/types/IpGenPrefix.h"
 
 namespace Routing::Rib::Ip {
@@ -31,7 +33,11 @@ class GlobalNextHopDependencyGraph : public Zel::Entity {
     Ondex::IpGenPrefix prefix;
     VrfId vrfId;
     ViaKey viaKey;
-    [[nodiscard]] std::uint32_t hash(std::uint32_t seed) const noexcept;
+    static constexpr auto fields() {
+      return std::tuple{Zel::field("prefix", &LoopingVia::prefix), Zel::field("vrfId", &LoopingVia::vrfId),
+                        Zel::field("viaKey", &LoopingVia::viaKey)};
+    }
+    [[nodiscard]] std::uint32_t hash(std::uint32_t seed) const noexcept { return Zel::hashFields(*this, seed); }
     friend bool operator==(LoopingVia const& a, LoopingVia const& b) noexcept = default;
     friend std::strong_ordering operator<=>(LoopingVia const& a, LoopingVia const& b) noexcept = default;
   };

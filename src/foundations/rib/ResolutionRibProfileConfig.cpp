@@ -1,12 +1,6 @@
 #include "foundations/rib/ResolutionRibProfileConfig.h"
 
-#include "foundations/runtime/Hash.h"
-
 namespace Routing::Rib {
-
-std::uint32_t ResolutionMethod::hash(std::uint32_t seed) const noexcept {
-  return Zel::HashBuilder(seed).add(std::uint8_t(type_)).add(tunnelRibId_).add(tunnelRibName_.hash(seed)).value();
-}
 
 std::ostream& operator<<(std::ostream& os, ResolutionMethod const& m) {
   switch (m.type()) {

@@ -5,15 +5,16 @@
 // and writes nothing; a fourth method raises the runtime's fixed-array range failure.
 #pragma once
 
-#include <compare>
 #include <cstdint>
 #include <ostream>
+#include <tuple>
 #include <string>
 
 #include <fmt/ostream.h>
 
 #include "foundations/rib/BoundedArray.h"
 #include "foundations/runtime/String.h"
+#include "foundations/runtime/ValueFields.h"
 
 namespace Routing::Rib {
 
@@ -25,8 +26,15 @@ enum class ResolutionRibType : std::uint8_t {
 };
 
 // One way to resolve a next hop. A small value kept with the profile that lists it.
-class ResolutionMethod {
+class ResolutionMethod : public Zel::ValueFields<ResolutionMethod> {
  public:
+  // Hash, equality and order come from these.
+  static constexpr auto fields() {
+    return std::tuple{Zel::field("tunnelRibName", &ResolutionMethod::tunnelRibName_),
+                      Zel::field("tunnelRibId", &ResolutionMethod::tunnelRibId_),
+                      Zel::field("type", &ResolutionMethod::type_)};
+  }
+
   ResolutionMethod() noexcept = default;
   explicit ResolutionMethod(ResolutionRibType type, Quill::String tunnelRibName = {}, std::uint32_t tunnelRibId = 0)
       : tunnelRibName_(std::move(tunnelRibName)), tunnelRibId_(tunnelRibId), type_(type) {}
@@ -42,9 +50,6 @@ class ResolutionMethod {
   [[nodiscard]] std::uint32_t tunnelRibId() const noexcept { return tunnelRibId_; }
   void tunnelRibIdIs(std::uint32_t id) noexcept { tunnelRibId_ = id; }
 
-  [[nodiscard]] std::uint32_t hash(std::uint32_t seed) const noexcept;
-  friend bool operator==(ResolutionMethod const& a, ResolutionMethod const& b) noexcept = default;
-  friend std::strong_ordering operator<=>(ResolutionMethod const& a, ResolutionMethod const& b) noexcept = default;
   // "system-unicast-rib", "system-connected", "tunnel-rib NAME" (with "#ID" once it has an id).
   friend std::ostream& operator<<(std::ostream& os, ResolutionMethod const& m);
 
@@ -54,9 +59,13 @@ class ResolutionMethod {
   ResolutionRibType type_ = ResolutionRibType::none;
 };
 
-class ResolutionRibProfileConfig {
+class ResolutionRibProfileConfig : public Zel::ValueFields<ResolutionRibProfileConfig> {
  public:
   static constexpr std::uint32_t kMaxMethods = 3;
+
+  // Hash, equality and order (method by method: a total order for tables keyed by content) come
+  // from this.
+  static constexpr auto fields() { return std::tuple{Zel::field("methods", &ResolutionRibProfileConfig::methods_)}; }
 
   ResolutionRibProfileConfig() = default;
 
@@ -71,14 +80,6 @@ class ResolutionRibProfileConfig {
   [[nodiscard]] ResolutionMethod const* begin() const noexcept { return methods_.begin(); }
   [[nodiscard]] ResolutionMethod const* end() const noexcept { return methods_.end(); }
 
-  [[nodiscard]] std::uint32_t hash(std::uint32_t seed) const { return methods_.hash(seed); }
-  [[nodiscard]] static bool isEq(ResolutionRibProfileConfig const& a, ResolutionRibProfileConfig const& b) {
-    return a == b;
-  }
-  friend bool operator==(ResolutionRibProfileConfig const& a, ResolutionRibProfileConfig const& b) = default;
-  // Method by method: a total order for tables keyed by content.
-  friend std::strong_ordering operator<=>(ResolutionRibProfileConfig const& a,
-                                          ResolutionRibProfileConfig const& b) = default;
   // "[m1, m2]"; "[]" for the empty profile.
   friend std::ostream& operator<<(std::ostream& os, ResolutionRibProfileConfig const& p);
 

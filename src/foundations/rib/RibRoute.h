@@ -5,27 +5,33 @@
 // route table stores under the key (so that a million routes do not carry their key twice).
 #pragma once
 
-#include <compare>
 #include <cstdint>
-#include <optional>
 #include <ostream>
-#include <string>
 #include <string_view>
+#include <tuple>
 
 #include <fmt/ostream.h>
 
 #include "foundations/rib/RibTypes.h"
 #include "foundations/rib/ViaKey.h"
 #include "foundations/rib/ViaSetKey.h"
+#include "foundations/runtime/ValueFields.h"
 #include "foundations/types/IpGenPrefix.h"
 
 namespace Routing::Rib {
 
 // The key of a route: VRF first, then prefix, in that order. The default key, no VRF (0xffffff)
 // and the empty prefix, is where a walk of a whole table starts.
-class RouteKey {
+class RouteKey : public Zel::ValueFields<RouteKey> {
  public:
   using VrfId = Vrf::VrfIdMap::VrfId;
+
+  // Hash, equality, order (VRF, then prefix) and the text form
+  // "Value('Routing::Rib::RouteKey', ** {'vrfId': 5, 'prefix': '10.0.0.0/8'})" come from these.
+  static constexpr std::string_view kTypeName = "Routing::Rib::RouteKey";
+  static constexpr auto fields() {
+    return std::tuple{Zel::field("vrfId", &RouteKey::vrfId_), Zel::field("prefix", &RouteKey::prefix_)};
+  }
 
   constexpr RouteKey() noexcept = default;
   RouteKey(VrfId vrfId, Ondex::IpGenPrefix const& prefix) noexcept : vrfId_(vrfId), prefix_(prefix) {}
@@ -37,20 +43,13 @@ class RouteKey {
   void vrfIdIs(VrfId v) noexcept { vrfId_ = v; }
   void prefixIs(Ondex::IpGenPrefix const& p) noexcept { prefix_ = p; }
 
-  [[nodiscard]] std::uint32_t hash(std::uint32_t seed) const noexcept;
-  friend bool operator==(RouteKey const& a, RouteKey const& b) noexcept = default;
-  friend std::strong_ordering operator<=>(RouteKey const& a, RouteKey const& b) noexcept = default;
   // "vrfId/prefix".
   friend std::ostream& operator<<(std::ostream& os, RouteKey const& k) { return os << k.vrfId_ << '/' << k.prefix_; }
-  // "Value('Routing::Rib::RouteKey', ** {'vrfId': 5, 'prefix': '10.0.0.0/8'})" and back.
-  [[nodiscard]] static std::optional<RouteKey> fromStrep(std::string_view text);
 
  private:
   VrfId vrfId_ = VrfId::none();
   Ondex::IpGenPrefix prefix_;
 };
-
-[[nodiscard]] std::string valueToStrep(RouteKey const& k);
 
 // The metric type a route carries to the RIB (other values belong to the RIB).
 enum MetricType : std::uint32_t {

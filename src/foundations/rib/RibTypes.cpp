@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "foundations/runtime/Hash.h"
-#include "foundations/types/ValueText.h"
+#include "foundations/runtime/ValueText.h"
 
 namespace Vrf::VrfIdMap {
 
@@ -21,10 +21,6 @@ std::string valueToStrep(VrfId v) { return std::to_string(v.value()); }
 }  // namespace Vrf::VrfIdMap
 
 namespace Routing {
-
-std::uint32_t MetricPref::hash(std::uint32_t seed) const noexcept {
-  return Zel::HashBuilder(seed).add(metric_).add(preference_).value();
-}
 
 std::ostream& operator<<(std::ostream& os, MetricPref m) {
   return os << '(' << m.metric() << ", " << unsigned(m.preference()) << ')';
@@ -60,6 +56,8 @@ std::optional<RoutingProtocol> RoutingProtocol::fromStrep(std::string_view text)
   return fromNameOrNumber<RoutingProtocol>(text, {{"staticConfig", staticConfig()}, {"routeInput", routeInput()}});
 }
 
+std::string valueToStrep(RoutingProtocol p) { return Zel::ValueText::quote(p.toStrep()); }
+
 std::uint32_t RoutingProtocol::hash(std::uint32_t seed) const noexcept {
   return Zel::HashBuilder(seed).add(value_).value();
 }
@@ -75,6 +73,8 @@ std::optional<Transport> Transport::fromStrep(std::string_view text) {
   return fromNameOrNumber<Transport>(
       text, {{"ipv4", transportIpv4()}, {"ipv6", transportIpv6()}, {"evpn", transportEvpn()}});
 }
+
+std::string valueToStrep(Transport t) { return Zel::ValueText::quote(t.toStrep()); }
 
 std::uint32_t Transport::hash(std::uint32_t seed) const noexcept { return Zel::HashBuilder(seed).add(value_).value(); }
 

@@ -9,9 +9,11 @@
 #include <ostream>
 #include <string>
 #include <string_view>
+#include <tuple>
 
 #include <fmt/ostream.h>
 
+#include "foundations/runtime/ValueFields.h"
 #include "foundations/types/AddressFamily.h"
 
 namespace Vrf::VrfIdMap {
@@ -37,7 +39,6 @@ class VrfId {
   [[nodiscard]] static std::optional<VrfId> fromStrep(std::string_view text);
 
   [[nodiscard]] std::uint32_t hash(std::uint32_t seed) const noexcept;
-  [[nodiscard]] static constexpr bool isEq(VrfId a, VrfId b) noexcept { return a == b; }
   friend constexpr bool operator==(VrfId a, VrfId b) noexcept = default;
   friend constexpr std::strong_ordering operator<=>(VrfId a, VrfId b) noexcept = default;
   friend std::ostream& operator<<(std::ostream& os, VrfId v) { return os << v.value_; }
@@ -62,7 +63,7 @@ using RouteType = std::uint8_t;
 
 // A metric with the preference it goes with, written as the pair metric, preference. The default
 // is all ones in both: the worst metric at the worst preference.
-class MetricPref {
+class MetricPref : public Zel::ValueFields<MetricPref, Zel::ValueOrder::own> {
  public:
   static constexpr RouteMetric kNoMetric = 0xffffffff;
   static constexpr std::uint8_t kNoPreference = 0xff;
@@ -76,8 +77,10 @@ class MetricPref {
   constexpr void metricIs(RouteMetric metric) noexcept { metric_ = metric; }
   constexpr void preferenceIs(std::uint8_t preference) noexcept { preference_ = preference; }
 
-  [[nodiscard]] std::uint32_t hash(std::uint32_t seed) const noexcept;
-  friend constexpr bool operator==(MetricPref a, MetricPref b) noexcept = default;
+  // Hash and equality come from these; a metric and preference pair has no order of its own.
+  static constexpr auto fields() {
+    return std::tuple{Zel::field("metric", &MetricPref::metric_), Zel::field("preference", &MetricPref::preference_)};
+  }
   // "(metric, preference)".
   friend std::ostream& operator<<(std::ostream& os, MetricPref m);
 
@@ -112,6 +115,8 @@ class RoutingProtocol {
   friend constexpr bool operator==(RoutingProtocol a, RoutingProtocol b) noexcept = default;
   friend constexpr std::strong_ordering operator<=>(RoutingProtocol a, RoutingProtocol b) noexcept = default;
   friend std::ostream& operator<<(std::ostream& os, RoutingProtocol p) { return os << p.toStrep(); }
+  // The quoted form inside Value('...') forms: 'staticConfig', '7'.
+  friend std::string valueToStrep(RoutingProtocol p);
 
  private:
   std::uint16_t value_ = 0;
@@ -146,6 +151,8 @@ class Transport {
   friend constexpr bool operator==(Transport a, Transport b) noexcept = default;
   friend constexpr std::strong_ordering operator<=>(Transport a, Transport b) noexcept = default;
   friend std::ostream& operator<<(std::ostream& os, Transport t) { return os << t.toStrep(); }
+  // The quoted form inside Value('...') forms: 'ipv4'.
+  friend std::string valueToStrep(Transport t);
 
  private:
   std::uint8_t value_ = 0;

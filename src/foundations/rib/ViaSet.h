@@ -8,10 +8,10 @@
 // the list, so no iterator survives a write.
 #pragma once
 
-#include <compare>
 #include <cstdint>
 #include <ostream>
 #include <string_view>
+#include <tuple>
 #include <vector>
 
 #include <fmt/ostream.h>
@@ -19,6 +19,7 @@
 #include "foundations/rib/RangedIndex.h"
 #include "foundations/rib/ViaKey.h"
 #include "foundations/rib/ViaSetKey.h"
+#include "foundations/runtime/ValueFields.h"
 
 namespace Routing::Rib::Skein {
 
@@ -29,7 +30,7 @@ struct ViaIndexName {
 };
 using ViaIndex = RangedIndex<ViaIndexName, 599>;
 
-class ViaSet {
+class ViaSet : public Zel::ValueFields<ViaSet> {
  public:
   static constexpr std::uint32_t kMaxVias = ViaIndex::kMax + 1;
   // Flag bits: an IPv4 route without next hop; an IPv6 one.
@@ -65,10 +66,12 @@ class ViaSet {
   [[nodiscard]] bool sameContent(ViaSet const& other) const noexcept {
     return fecType_ == other.fecType_ && flags_ == other.flags_ && viaKey_ == other.viaKey_;
   }
-  [[nodiscard]] std::uint32_t hash(std::uint32_t seed) const noexcept;
-  friend bool operator==(ViaSet const& a, ViaSet const& b) noexcept = default;
-  // Field by field: a total order for tables keyed by content.
-  friend std::strong_ordering operator<=>(ViaSet const& a, ViaSet const& b) noexcept = default;
+  // Hash, equality and order (field by field: a total order for tables keyed by content) come from
+  // these.
+  static constexpr auto fields() {
+    return std::tuple{Zel::field("viaSetKey", &ViaSet::viaSetKey_), Zel::field("fecType", &ViaSet::fecType_),
+                      Zel::field("flags", &ViaSet::flags_), Zel::field("viaKey", &ViaSet::viaKey_)};
+  }
   // "ViaSet(key: fec 0 flags 0 [via, via])", for traces.
   friend std::ostream& operator<<(std::ostream& os, ViaSet const& s);
 

@@ -2,24 +2,24 @@
 // holds. A plain value; it owns nothing.
 #pragma once
 
-#include <compare>
-#include <cstdint>
 #include <ostream>
+#include <tuple>
 
 #include "foundations/rib/RibTypes.h"
+#include "foundations/runtime/ValueFields.h"
 
 namespace Routing::Rib {
 
-class ViaSetConfigKey {
+class ViaSetConfigKey : public Zel::ValueFields<ViaSetConfigKey> {
  public:
+  // Hash, equality and order come from this.
+  static constexpr auto fields() { return std::tuple{Zel::field("routingProtocol", &ViaSetConfigKey::routingProtocol_)}; }
+
   constexpr ViaSetConfigKey() noexcept = default;
   constexpr explicit ViaSetConfigKey(RoutingProtocol routingProtocol) noexcept : routingProtocol_(routingProtocol) {}
 
   [[nodiscard]] constexpr RoutingProtocol routingProtocol() const noexcept { return routingProtocol_; }
 
-  [[nodiscard]] std::uint32_t hash(std::uint32_t seed) const noexcept { return routingProtocol_.hash(seed); }
-  friend constexpr bool operator==(ViaSetConfigKey a, ViaSetConfigKey b) noexcept = default;
-  friend constexpr std::strong_ordering operator<=>(ViaSetConfigKey a, ViaSetConfigKey b) noexcept = default;
   friend std::ostream& operator<<(std::ostream& os, ViaSetConfigKey k) { return os << k.routingProtocol_; }
 
  private:

@@ -56,7 +56,6 @@ class Optional {
     if (v_) h.add(hashOf(*v_, seed));
     return h.value();
   }
-  [[nodiscard]] static constexpr bool isEq(Optional const& a, Optional const& b) { return a == b; }
 
   // The inverse of valueToStrep below: "None", or the text T::fromStrep reads.
   [[nodiscard]] static std::optional<Optional> fromStrep(std::string_view text)

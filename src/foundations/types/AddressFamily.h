@@ -40,7 +40,6 @@ class AddressFamily {
   [[nodiscard]] static std::optional<AddressFamily> fromStrep(std::string_view text);
 
   [[nodiscard]] std::uint32_t hash(std::uint32_t seed) const noexcept;
-  [[nodiscard]] static constexpr bool isEq(AddressFamily a, AddressFamily b) noexcept { return a == b; }
   friend constexpr bool operator==(AddressFamily a, AddressFamily b) noexcept = default;
   friend constexpr std::strong_ordering operator<=>(AddressFamily a, AddressFamily b) noexcept = default;
   friend std::ostream& operator<<(std::ostream& os, AddressFamily af) { return os << af.name(); }

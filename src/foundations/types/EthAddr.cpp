@@ -1,11 +1,16 @@
 #include "foundations/types/EthAddr.h"
 
+#include <type_traits>
+
 #include <fmt/format.h>
 
 #include "foundations/runtime/Hash.h"
-#include "foundations/types/ValueText.h"
+#include "foundations/runtime/ValueText.h"
 
 namespace Ondex {
+
+// Held by the million in keys and vias: a plain value that stays this small.
+static_assert(std::is_trivially_copyable_v<EthAddr> && sizeof(EthAddr) == 6);
 
 namespace {
 

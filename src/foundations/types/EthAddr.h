@@ -35,7 +35,6 @@ class EthAddr {
   [[nodiscard]] static std::optional<EthAddr> fromStrep(std::string_view text);
 
   [[nodiscard]] std::uint32_t hash(std::uint32_t seed) const noexcept;
-  [[nodiscard]] static constexpr bool isEq(EthAddr const& a, EthAddr const& b) noexcept { return a == b; }
   friend constexpr bool operator==(EthAddr const& a, EthAddr const& b) noexcept = default;
   // Numeric order of the six bytes.
   friend constexpr std::strong_ordering operator<=>(EthAddr const& a, EthAddr const& b) noexcept = default;

@@ -1,14 +1,18 @@
 #include "foundations/types/IntfId.h"
 
+#include <type_traits>
 #include <unordered_map>
 #include <vector>
 
 #include "foundations/runtime/Exception.h"
 #include "foundations/runtime/Hash.h"
 #include "foundations/runtime/String.h"
-#include "foundations/types/ValueText.h"
+#include "foundations/runtime/ValueText.h"
 
 namespace Ondex {
+
+// Held by the million in keys and vias: a plain value that stays this small.
+static_assert(std::is_trivially_copyable_v<IntfId> && sizeof(IntfId) == 4);
 
 namespace {
 

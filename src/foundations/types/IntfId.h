@@ -44,7 +44,6 @@ class IntfId {
 
   // Hash of the id: equal names have equal ids, so equal values hash equal.
   [[nodiscard]] std::uint32_t hash(std::uint32_t seed) const noexcept;
-  [[nodiscard]] static constexpr bool isEq(IntfId a, IntfId b) noexcept { return a == b; }
   friend constexpr bool operator==(IntfId a, IntfId b) noexcept = default;
   // By name; the empty name first.
   friend std::strong_ordering operator<=>(IntfId a, IntfId b) noexcept;

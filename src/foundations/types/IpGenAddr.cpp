@@ -3,11 +3,15 @@
 #include <arpa/inet.h>
 
 #include <cstring>
+#include <type_traits>
 
 #include "foundations/runtime/Hash.h"
-#include "foundations/types/ValueText.h"
+#include "foundations/runtime/ValueText.h"
 
 namespace Ondex {
+
+// Held by the million in keys and vias: a plain value that stays this small.
+static_assert(std::is_trivially_copyable_v<IpGenAddr> && sizeof(IpGenAddr) == 17);
 
 IpGenAddr IpGenAddr::fromBytes(AddressFamily af, Bytes const& networkOrder) noexcept {
   IpGenAddr a;

@@ -81,7 +81,6 @@ class IpGenAddr {
   [[nodiscard]] static std::optional<IpGenAddr> fromStrep(std::string_view text);
 
   [[nodiscard]] std::uint32_t hash(std::uint32_t seed) const noexcept;
-  [[nodiscard]] static bool isEq(IpGenAddr const& a, IpGenAddr const& b) noexcept { return a == b; }
   friend constexpr bool operator==(IpGenAddr const& a, IpGenAddr const& b) noexcept = default;
   // Total order: by family (no address first, then IPv4, then IPv6), then numerically.
   friend std::strong_ordering operator<=>(IpGenAddr const& a, IpGenAddr const& b) noexcept;

@@ -2,12 +2,16 @@
 
 #include <bit>
 #include <cstring>
+#include <type_traits>
 
 #include "foundations/runtime/Exception.h"
 #include "foundations/runtime/Hash.h"
-#include "foundations/types/ValueText.h"
+#include "foundations/runtime/ValueText.h"
 
 namespace Ondex {
+
+// Held by the million in keys and vias: a plain value that stays this small.
+static_assert(std::is_trivially_copyable_v<IpGenPrefix> && sizeof(IpGenPrefix) == 18);
 
 namespace {
 

@@ -48,7 +48,6 @@ class IpGenPrefix {
   [[nodiscard]] static std::optional<IpGenPrefix> fromStrep(std::string_view text);
 
   [[nodiscard]] std::uint32_t hash(std::uint32_t seed) const noexcept;
-  [[nodiscard]] static bool isEq(IpGenPrefix const& a, IpGenPrefix const& b) noexcept { return a == b; }
   friend constexpr bool operator==(IpGenPrefix const& a, IpGenPrefix const& b) noexcept = default;
   // Total order: by address (family first), then shorter before longer.
   friend std::strong_ordering operator<=>(IpGenPrefix const& a, IpGenPrefix const& b) noexcept {

@@ -1,9 +1,14 @@
 #include "foundations/types/MplsLabel.h"
 
+#include <type_traits>
+
 #include "foundations/runtime/Hash.h"
-#include "foundations/types/ValueText.h"
+#include "foundations/runtime/ValueText.h"
 
 namespace Ondex {
+
+// Held by the million in keys and vias: a plain value that stays this small.
+static_assert(std::is_trivially_copyable_v<MplsLabel> && sizeof(MplsLabel) == 4);
 
 std::string MplsLabel::toString() const { return isValid() ? std::to_string(value_) : "none"; }
 

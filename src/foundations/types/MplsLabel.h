@@ -35,7 +35,6 @@ class MplsLabel {
   [[nodiscard]] static std::optional<MplsLabel> fromStrep(std::string_view text);
 
   [[nodiscard]] std::uint32_t hash(std::uint32_t seed) const noexcept;
-  [[nodiscard]] static constexpr bool isEq(MplsLabel a, MplsLabel b) noexcept { return a == b; }
   friend constexpr bool operator==(MplsLabel a, MplsLabel b) noexcept = default;
   // Numeric; "no label" after every label.
   friend constexpr std::strong_ordering operator<=>(MplsLabel a, MplsLabel b) noexcept = default;

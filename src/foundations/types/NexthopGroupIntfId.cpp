@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "foundations/types/ValueText.h"
+#include "foundations/runtime/ValueText.h"
 
 namespace Ondex {
 

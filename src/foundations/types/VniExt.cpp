@@ -1,10 +1,15 @@
 #include "foundations/types/VniExt.h"
 
+#include <type_traits>
+
 #include "foundations/runtime/Exception.h"
 #include "foundations/runtime/Hash.h"
-#include "foundations/types/ValueText.h"
+#include "foundations/runtime/ValueText.h"
 
 namespace Vxlan {
+
+// Held by the million in keys and vias: a plain value that stays this small.
+static_assert(std::is_trivially_copyable_v<VniExtOrNone> && sizeof(VniExtOrNone) == 4);
 
 void VniExt::throwOutOfRange() { Zel::throwRangeException(Zel::rangeText("Vxlan::VniExt")); }
 

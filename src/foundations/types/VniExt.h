@@ -35,7 +35,6 @@ class VniExt {
   [[nodiscard]] static std::optional<VniExt> fromStrep(std::string_view text) { return fromString(text); }
 
   [[nodiscard]] std::uint32_t hash(std::uint32_t seed) const noexcept;
-  [[nodiscard]] static constexpr bool isEq(VniExt a, VniExt b) noexcept { return a == b; }
   friend constexpr bool operator==(VniExt a, VniExt b) noexcept = default;
   friend constexpr std::strong_ordering operator<=>(VniExt a, VniExt b) noexcept = default;
   friend std::ostream& operator<<(std::ostream& os, VniExt v) { return os << v.value_; }
@@ -70,7 +69,6 @@ class VniExtOrNone {
   [[nodiscard]] static std::optional<VniExtOrNone> fromStrep(std::string_view text);
 
   [[nodiscard]] std::uint32_t hash(std::uint32_t seed) const noexcept;
-  [[nodiscard]] static constexpr bool isEq(VniExtOrNone a, VniExtOrNone b) noexcept { return a == b; }
   friend constexpr bool operator==(VniExtOrNone a, VniExtOrNone b) noexcept = default;
   // Numeric; none after every VNI.
   friend constexpr std::strong_ordering operator<=>(VniExtOrNone a, VniExtOrNone b) noexcept = default;

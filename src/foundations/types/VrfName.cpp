@@ -1,7 +1,7 @@
 #include "foundations/types/VrfName.h"
 
 #include "foundations/runtime/Exception.h"
-#include "foundations/types/ValueText.h"
+#include "foundations/runtime/ValueText.h"
 
 namespace L3 {
 

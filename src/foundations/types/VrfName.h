@@ -46,7 +46,6 @@ class VrfName {
   [[nodiscard]] static std::optional<VrfName> fromStrep(std::string_view text);
 
   [[nodiscard]] std::uint32_t hash(std::uint32_t seed) const noexcept { return name_.hash(seed); }
-  [[nodiscard]] static bool isEq(VrfName const& a, VrfName const& b) noexcept { return a == b; }
   friend bool operator==(VrfName const& a, VrfName const& b) noexcept { return a.name_ == b.name_; }
   // Byte-wise order of the names.
   friend std::strong_ordering operator<=>(VrfName const& a, VrfName const& b) noexcept {

@@ -1,13 +1,11 @@
-// The smaller configuration records: command tags and their index, the next-hop group status, the
-// global routing and MPLS settings, and the BFD tracked-via list.
+// The smaller configuration records: command tags and their index, the next-hop group status and
+// the BFD tracked-via list.
 #include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
 
 #include "foundations/records/ConfigTag.h"
-#include "foundations/records/GeneralConfig.h"
-#include "foundations/records/MplsConfig.h"
 #include "foundations/records/NexthopGroupEntryStatus.h"
 #include "foundations/records/TrackedViaList.h"
 #include "foundations/records/VrfRouteListTaggedConfig.h"
@@ -135,37 +133,6 @@ TEST_F(ConfigRecordsTest, NexthopGroupIdsByName) {
   status->nhgIdDel(NexthopGroup::NexthopGroupEntryKey("g1"));
   EXPECT_EQ(status->nexthopGroupNameToId("g1"), -1);
   EXPECT_EQ(names, (std::vector<std::string>{"g1", "g2", "g1"}));
-
-  NexthopGroup::NexthopGroupEntryKey const k("it's");
-  EXPECT_EQ(k.toStrep(), "Value('NexthopGroup::NexthopGroupEntryKey', ** {'nhgName': 'it\\'s'})");
-  EXPECT_EQ(NexthopGroup::NexthopGroupEntryKey::fromStrep(k.toStrep()), k);
-  EXPECT_FALSE(NexthopGroup::NexthopGroupEntryKey::fromStrep("Value('NexthopGroup::NexthopGroupEntryKey', ** {'nhgName': g})"));
-}
-
-TEST_F(ConfigRecordsTest, GlobalSettingsDefaultsAndIds) {
-  auto general = Routing::General::Config::ConfigIs();
-  EXPECT_EQ(general->staticRoutePreference(), Routing::RoutePreference(1)) << "the global preference defaults to 1";
-  EXPECT_EQ(general->staticRouteEcmpState(), Routing::General::StaticRouteEcmpState::groupByViaType);
-  EXPECT_FALSE(general->staticMetricTypeAigp());
-  EXPECT_FALSE(general->routeInputMetricTypeAigp());
-  auto rec = RecordRecorder<Routing::General::Config>::RecordRecorderIs(general);
-  general->staticRouteEcmpStateIs(Routing::General::StaticRouteEcmpState::singleGroup);
-  general->staticRoutePreferenceIs(Routing::RoutePreference(1));  // the default: unchanged
-  general->staticRoutePreferenceIs(Routing::RoutePreference(20));
-  general->staticRouteEcmpStateIs(Routing::General::StaticRouteEcmpState(7));  // neither grouping
-  general->staticMetricTypeAigpIs(true);
-  general->routeInputMetricTypeAigpIs(true);
-  EXPECT_EQ(rec->ids, (std::vector<Zel::AttrId>{269, 279, 269, general->staticMetricTypeAigpId,
-                                                general->routeInputMetricTypeAigpId}));
-  EXPECT_NE(general->staticMetricTypeAigpId, general->routeInputMetricTypeAigpId);
-  general->staticRoutePreferenceDel();
-  EXPECT_EQ(general->staticRoutePreference(), Routing::RoutePreference(1)) << "clearing goes back to 1";
-
-  auto mpls = Mpls::Config::ConfigIs();
-  EXPECT_FALSE(mpls->mplsRouting());
-  auto mrec = RecordRecorder<Mpls::Config>::RecordRecorderIs(mpls);
-  mpls->mplsRoutingIs(true);
-  EXPECT_EQ(mrec->ids, (std::vector<Zel::AttrId>{258}));
 }
 
 TEST_F(ConfigRecordsTest, TrackedViaListAddsDeletesAndEmpties) {

@@ -6,8 +6,6 @@
 
 #include <fmt/format.h>
 
-#include "foundations/rib/EvpnVia.h"
-
 namespace {
 
 using Ondex::IntfId;
@@ -67,18 +65,6 @@ TEST(ViaContentTest, ViaFromAKeyAloneHasTheDefaultContent) {
   labelled.flagsIs(0x120);
   EXPECT_EQ(fmt::format("{}", Via(k, labelled)),
             "Via(4/2/staticConfig/ipv4: nextHop 10.0.0.1 intf Ethernet1 label 1048575 flags 0x120 weight 0)");
-}
-
-TEST(ViaContentTest, EvpnViaContentIsVtepVniAndRouterMac) {
-  Ondex::EthAddr const mac(Ondex::EthAddr::Bytes{0, 1, 2, 3, 4, 5});
-  Routing::Rib::Evpn::Via const a(Vxlan::VniExt(10), mac, IpGenAddr::fromV4(0x01010101));
-  EXPECT_EQ(a.vni().value(), 10u);
-  EXPECT_EQ(a, Routing::Rib::Evpn::Via(Vxlan::VniExt(10), mac, IpGenAddr::fromV4(0x01010101)));
-  EXPECT_NE(a, Routing::Rib::Evpn::Via(Vxlan::VniExt(11), mac, IpGenAddr::fromV4(0x01010101)));
-  EXPECT_NE(a, Routing::Rib::Evpn::Via(Vxlan::VniExt(10), Ondex::EthAddr(), IpGenAddr::fromV4(0x01010101)));
-  EXPECT_NE(a, Routing::Rib::Evpn::Via(Vxlan::VniExt(10), mac, IpGenAddr::fromV4(0x01010102)));
-  EXPECT_TRUE(Routing::Rib::Evpn::Via().vni().isNone()) << "a via built from nothing has no VNI";
-  EXPECT_THROW(Routing::Rib::Evpn::Via(Vxlan::VniExt(0x1000000), mac, IpGenAddr()), Zel::RangeException);
 }
 
 }  // namespace

@@ -1,9 +1,7 @@
-// Ondex::EthAddr: text forms both ways, "none" as all zeros, order and hashing.
+// Ondex::EthAddr: text forms both ways, "none" as all zeros.
 #include "foundations/types/EthAddr.h"
 
 #include <gtest/gtest.h>
-
-#include <type_traits>
 
 #include <fmt/format.h>
 
@@ -36,21 +34,6 @@ TEST(EthAddrTest, AllZerosIsNone) {
   EXPECT_TRUE(EthAddr().isZero());
   EXPECT_TRUE(EthAddr(EthAddr::Bytes{0, 0, 0, 0, 0, 1}));
   EXPECT_TRUE(EthAddr(EthAddr::Bytes{0x80, 0, 0, 0, 0, 0}));
-}
-
-TEST(EthAddrTest, OrderAndHash) {
-  EthAddr const a(EthAddr::Bytes{0, 0, 0, 0, 0, 0xff});
-  EthAddr const b(EthAddr::Bytes{0, 0, 0, 0, 1, 0});
-  EthAddr const c(EthAddr::Bytes{1, 0, 0, 0, 0, 0});
-  EXPECT_LT(EthAddr(), a);
-  EXPECT_LT(a, b);
-  EXPECT_LT(b, c);
-  EXPECT_TRUE(EthAddr::isEq(a, *EthAddr::fromString("00:00:00:00:00:ff")));
-  EXPECT_EQ(a.hash(9), EthAddr::fromString("00:00:00:00:00:ff")->hash(9));
-  EXPECT_NE(a.hash(9), a.hash(10));
-  EXPECT_NE(a.hash(9), b.hash(9));
-  EXPECT_TRUE(std::is_trivially_copyable_v<EthAddr>);
-  EXPECT_EQ(sizeof(EthAddr), 6u);
 }
 
 }  // namespace

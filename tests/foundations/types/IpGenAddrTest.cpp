@@ -1,17 +1,16 @@
-// Ondex::IpGenAddr and Ondex::AddressFamily: text forms both ways, the "no next hop" test, order
-// and hashing.
+// Ondex::IpGenAddr and Ondex::AddressFamily: text forms both ways, the "no next hop" test, and the
+// spread of the hash over nearby addresses.
 #include "foundations/types/IpGenAddr.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <string>
-#include <type_traits>
 #include <vector>
 
 #include <fmt/format.h>
 
-#include "foundations/types/ValueText.h"
+#include "foundations/runtime/ValueText.h"
 
 namespace {
 
@@ -46,8 +45,6 @@ TEST(AddressFamilyTest, NamesNumbersAndTextForms) {
   for (std::string_view bad : {"", "IPv4", "ipv5", "256", "-1", "1 ", "'ipv4"}) {
     EXPECT_FALSE(AddressFamily::fromStrep(bad).has_value()) << bad;
   }
-  EXPECT_LT(AddressFamily::ipv4, AddressFamily::ipv6);
-  EXPECT_NE(AddressFamily::ipv4.hash(1), AddressFamily::ipv6.hash(1));
 }
 
 TEST(IpGenAddrTest, PrintsAndParsesBothFamilies) {
@@ -125,39 +122,11 @@ TEST(IpGenAddrTest, UnspecifiedAndLinkLocal) {
   EXPECT_FALSE(IpGenAddr().isLinkLocal());
 }
 
-TEST(IpGenAddrTest, OrderIsTotalFamilyFirstThenNumeric) {
-  std::vector<IpGenAddr> sorted{IpGenAddr(),        addr("0.0.0.0"),      addr("9.255.255.255"),
-                                addr("10.0.0.2"),   addr("10.0.0.10"),    addr("255.0.0.0"),
-                                addr("::"),         addr("::2"),          addr("::10"),
-                                addr("2001:db8::"), addr("2001:db8::1"),  addr("ffff::")};
-  std::vector<IpGenAddr> shuffled(sorted.rbegin(), sorted.rend());
-  std::swap(shuffled[1], shuffled[7]);
-  std::sort(shuffled.begin(), shuffled.end());
-  EXPECT_EQ(shuffled, sorted);
-  for (std::size_t i = 0; i + 1 < sorted.size(); ++i) {
-    EXPECT_LT(sorted[i], sorted[i + 1]) << i;
-    EXPECT_FALSE(IpGenAddr::isEq(sorted[i], sorted[i + 1])) << i;
-  }
-}
-
-TEST(IpGenAddrTest, HashFollowsEqualityAndSeed) {
-  IpGenAddr const a = addr("2001:db8::1");
-  IpGenAddr const b = addr("2001:0db8:0::1");
-  EXPECT_TRUE(IpGenAddr::isEq(a, b));
-  EXPECT_EQ(a.hash(7), b.hash(7));
-  EXPECT_NE(a.hash(7), a.hash(8));
-  // The family takes part: the same leading bytes in another family hash apart.
-  EXPECT_NE(addr("10.0.0.1").hash(7), IpGenAddr::fromBytes(AddressFamily::ipv6, addr("10.0.0.1").bytes()).hash(7));
-  // Nearby addresses spread over the low bits that buckets use.
+TEST(IpGenAddrTest, NearbyAddressesSpreadOverTheBucketBits) {
   std::vector<std::uint32_t> buckets;
   for (std::uint32_t i = 0; i < 64; ++i) buckets.push_back(IpGenAddr::fromV4(0x0a000000 + i).hash(3) & 0xff);
   std::sort(buckets.begin(), buckets.end());
   EXPECT_GT(std::unique(buckets.begin(), buckets.end()) - buckets.begin(), 40);
-}
-
-TEST(IpGenAddrTest, IsACompactPlainValue) {
-  EXPECT_TRUE(std::is_trivially_copyable_v<IpGenAddr>);
-  EXPECT_EQ(sizeof(IpGenAddr), 17u);
 }
 
 }  // namespace

@@ -1,10 +1,8 @@
-// Vxlan::VniExtOrNone and Vxlan::VniExt: "none", the range check of a VNI and its exact text, text
-// forms, order and hashing.
+// Vxlan::VniExtOrNone and Vxlan::VniExt: "none", the range check of a VNI and its exact text, and
+// the text forms.
 #include "foundations/types/VniExt.h"
 
 #include <gtest/gtest.h>
-
-#include <type_traits>
 
 #include <fmt/format.h>
 
@@ -41,8 +39,6 @@ TEST(VniExtTest, NoneIsTheDefaultAndConvertsToFalse) {
   EXPECT_TRUE(VniExtOrNone(0)) << "zero is a value, not none";
   EXPECT_TRUE(VniExtOrNone(VniExt(5000)));
   EXPECT_EQ(VniExtOrNone(VniExt(5000)).value(), 5000u);
-  EXPECT_TRUE(std::is_trivially_copyable_v<VniExtOrNone>);
-  EXPECT_EQ(sizeof(VniExtOrNone), 4u);
 }
 
 TEST(VniExtTest, RangeCheckRaisesWithItsText) {
@@ -56,7 +52,7 @@ TEST(VniExtTest, RangeCheckRaisesWithItsText) {
   }
 }
 
-TEST(VniExtTest, TextFormsOrderAndHash) {
+TEST(VniExtTest, TextForms) {
   for (std::uint32_t v : {0u, 1u, 10100u, 0xffffffu, 0x1000000u, 0xffffffffu}) {
     VniExtOrNone const vni(v);
     EXPECT_EQ(VniExtOrNone::fromString(vni.toString()), vni) << v;
@@ -69,16 +65,6 @@ TEST(VniExtTest, TextFormsOrderAndHash) {
   for (std::string_view bad : {"", "x", "4294967296", "12 "}) {
     EXPECT_FALSE(VniExtOrNone::fromString(bad).has_value()) << bad;
   }
-
-  EXPECT_LT(VniExtOrNone(1), VniExtOrNone(2));
-  EXPECT_LT(VniExtOrNone(0xffffff), VniExtOrNone::none());
-  EXPECT_LT(VniExt(1), VniExt(2));
-  EXPECT_TRUE(VniExtOrNone::isEq(VniExtOrNone(3), VniExtOrNone(3)));
-  EXPECT_EQ(VniExtOrNone(3).hash(1), VniExtOrNone(3).hash(1));
-  EXPECT_NE(VniExtOrNone(3).hash(1), VniExtOrNone(4).hash(1));
-  EXPECT_NE(VniExtOrNone(3).hash(1), VniExtOrNone(3).hash(2));
-  EXPECT_EQ(VniExt(3).hash(1), VniExt(3).hash(1));
-  EXPECT_NE(VniExt(3).hash(1), VniExt(3).hash(2));
 }
 
 }  // namespace

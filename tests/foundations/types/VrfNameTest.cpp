@@ -1,10 +1,8 @@
-// L3::VrfName: the 100-byte bound on every way of building one, the default VRF, text forms, order
-// and hashing.
+// L3::VrfName: the 100-byte bound on every way of building one, the default VRF, text forms.
 #include "foundations/types/VrfName.h"
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <functional>
 #include <string>
 #include <vector>
@@ -69,21 +67,6 @@ TEST(VrfNameTest, TextForms) {
   EXPECT_EQ(valueToStrep(VrfName("red")), "'red'");
   EXPECT_EQ(valueToStrep(VrfName("it's")), "'it\\'s'");
   EXPECT_FALSE(VrfName::fromStrep("red").has_value()) << "unquoted";
-}
-
-TEST(VrfNameTest, OrderAndHash) {
-  std::vector<VrfName> v{"red", "blue", "default", "", "Red", "blue2"};
-  std::sort(v.begin(), v.end());
-  std::vector<std::string_view> names;
-  for (VrfName const& n : v) names.push_back(n.view());
-  EXPECT_EQ(names, (std::vector<std::string_view>{"", "Red", "blue", "blue2", "default", "red"}));
-
-  VrfName const a("red");
-  VrfName const b(std::string("re") + "d");
-  EXPECT_TRUE(VrfName::isEq(a, b));
-  EXPECT_EQ(a.hash(5), b.hash(5));
-  EXPECT_NE(a.hash(5), a.hash(6));
-  EXPECT_NE(a.hash(5), VrfName("blue").hash(5));
 }
 
 }  // namespace

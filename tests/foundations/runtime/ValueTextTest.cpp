@@ -1,11 +1,15 @@
-// Zel::ValueText: the Value('Type', ** {...}) form printed and read back for a two-field key, the
-// separators checked in order, quoted strings and nested forms that hold separators.
-#include "foundations/types/ValueText.h"
+// Zel::ValueText and Zel::ValueFields: the Value('Type', ** {...}) form of a key whose fields are
+// declared once, printed and read back; the separators checked in order, quoted strings and nested
+// forms that hold separators, and the field kinds the form knows (numbers, flags, lists).
+#include "foundations/runtime/ValueText.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
+#include <vector>
 
+#include "foundations/runtime/ValueFields.h"
 #include "foundations/types/AddressFamily.h"
 #include "foundations/types/IpGenPrefix.h"
 #include "foundations/types/VrfName.h"
@@ -17,25 +21,52 @@ using Zel::ValueText;
 constexpr std::string_view kType = "Test::VrfAfKey";
 constexpr std::string_view kFields[] = {"vrfName", "af"};
 
-// A key of the shape later record keys take, printed and parsed through ValueText.
-struct VrfAfKey {
+// A key of the shape record keys take.
+struct VrfAfKey : Zel::ValueFields<VrfAfKey> {
+  static constexpr std::string_view kTypeName = kType;
+  static constexpr auto fields() {
+    return std::tuple{Zel::field("vrfName", &VrfAfKey::vrfName), Zel::field("af", &VrfAfKey::af)};
+  }
+  VrfAfKey() = default;
+  VrfAfKey(L3::VrfName v, Ondex::AddressFamily a) : vrfName(std::move(v)), af(a) {}
+  [[nodiscard]] std::string strep() const { return valueToStrep(*this); }
+
   L3::VrfName vrfName;
   Ondex::AddressFamily af;
-
-  friend bool operator==(VrfAfKey const&, VrfAfKey const&) = default;
-
-  [[nodiscard]] std::string strep() const {
-    return ValueText::print(kType, {{"vrfName", valueToStrep(vrfName)}, {"af", valueToStrep(af)}});
-  }
-  [[nodiscard]] static std::optional<VrfAfKey> fromStrep(std::string_view text) {
-    auto fields = ValueText::parse(text, kType, kFields);
-    if (!fields) return std::nullopt;
-    auto vrf = L3::VrfName::fromStrep((*fields)[0]);
-    auto af = Ondex::AddressFamily::fromStrep((*fields)[1]);
-    if (!vrf || !af) return std::nullopt;
-    return VrfAfKey{*vrf, *af};
-  }
 };
+
+// Every other kind of field the form prints itself.
+struct Kinds : Zel::ValueFields<Kinds> {
+  static constexpr std::string_view kTypeName = "Test::Kinds";
+  static constexpr auto fields() {
+    return std::tuple{Zel::field("n", &Kinds::n), Zel::field("on", &Kinds::on), Zel::field("name", &Kinds::name),
+                      Zel::field("list", &Kinds::list)};
+  }
+  std::uint16_t n = 0;
+  bool on = false;
+  Zel::String name;
+  std::vector<std::uint8_t> list;
+};
+
+TEST(ValueTextTest, EveryFieldKindPrintsAndReadsBack) {
+  Kinds k;
+  k.n = 65535;
+  k.on = true;
+  k.name = "it's";
+  k.list = {0, 255};
+  EXPECT_EQ(valueToStrep(k), "Value('Test::Kinds', ** {'n': 65535, 'on': True, 'name': 'it\\'s', 'list': [0, 255]})");
+  EXPECT_EQ(Kinds::fromStrep(valueToStrep(k)), k);
+  EXPECT_EQ(Kinds::fromStrep(valueToStrep(Kinds())), Kinds());
+  for (std::string_view bad : {"Value('Test::Kinds', ** {'n': 65536, 'on': True, 'name': '', 'list': []})",
+                               "Value('Test::Kinds', ** {'n': 1, 'on': true, 'name': '', 'list': []})",
+                               "Value('Test::Kinds', ** {'n': 1, 'on': False, 'name': x, 'list': []})",
+                               "Value('Test::Kinds', ** {'n': 1, 'on': False, 'name': '', 'list': [256]})",
+                               "Value('Test::Kinds', ** {'n': 1, 'on': False, 'name': '', 'list': [1,2]})",
+                               "Value('Test::Kinds', ** {'n': 1, 'on': False, 'name': '', 'list': [1, ]})",
+                               "Value('Test::Kinds', ** {'n': 1, 'on': False, 'name': '', 'list': 1})"}) {
+    EXPECT_FALSE(Kinds::fromStrep(bad).has_value()) << bad;
+  }
+}
 
 TEST(ValueTextTest, TwoFieldKeyRoundTrip) {
   VrfAfKey const key{"red", Ondex::AddressFamily::ipv6};

@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <initializer_list>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -24,7 +25,10 @@ class ValueText {
   };
 
   // "Value('type', ** {'a': 1, 'b': 'red'})".
-  [[nodiscard]] static std::string print(std::string_view type, std::initializer_list<Field> fields);
+  [[nodiscard]] static std::string print(std::string_view type, std::span<Field const> fields);
+  [[nodiscard]] static std::string print(std::string_view type, std::initializer_list<Field> fields) {
+    return print(type, std::span<Field const>(fields.begin(), fields.size()));
+  }
 
   // Reads text printed by print() for the same type and field names, in the same order. Gives the
   // text of each field (a quoted string still quoted), or nothing when the type name, a field name,
@@ -36,6 +40,13 @@ class ValueText {
       std::string_view text, std::string_view type, std::string_view const (&names)[N]) {
     std::array<std::string_view, N> fields;
     if (!parseFields(text, type, names, N, fields.data())) return std::nullopt;
+    return fields;
+  }
+  template <std::size_t N>
+  [[nodiscard]] static std::optional<std::array<std::string_view, N>> parse(
+      std::string_view text, std::string_view type, std::array<std::string_view, N> const& names) {
+    std::array<std::string_view, N> fields;
+    if (!parseFields(text, type, names.data(), N, fields.data())) return std::nullopt;
     return fields;
   }
 

@@ -1,4 +1,4 @@
-#include "foundations/types/ValueText.h"
+#include "foundations/runtime/ValueText.h"
 
 namespace Zel {
 
@@ -59,7 +59,7 @@ std::size_t valueLength(std::string_view rest, AtEnd atEnd) {
 
 }  // namespace
 
-std::string ValueText::print(std::string_view type, std::initializer_list<Field> fields) {
+std::string ValueText::print(std::string_view type, std::span<Field const> fields) {
   std::string out;
   out.reserve(kOpen.size() + type.size() + kTypeEnd.size() + kClose.size() + fields.size() * 24);
   out.append(kOpen).append(type).append(kTypeEnd);

@@ -14,6 +14,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -293,6 +294,14 @@ class RootSm : public Zel::StateMachine<RootSm>, public Zel::RootMounts {
   // The ready rules of a family (ReadyV4, ReadyV6: its tables, sets and texts).
   struct ReadyV4;
   struct ReadyV6;
+  // How the unicast and the multicast rule of a family take a VRF out that cannot be served.
+  template <class Family>
+  struct UnicastLookup;
+  template <class Family>
+  struct MulticastLookup;
+  // The VRF's id for a ready rule; none once the rule's Lookup has taken the VRF out.
+  template <class Lookup>
+  std::optional<VrfId> readyRuleVrfId(L3::VrfName const& vrf);
   template <class Family>
   void doSetReadyVrf(L3::VrfName const& vrf);
   template <class Family>

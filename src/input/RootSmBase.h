@@ -6,13 +6,13 @@
 #include <cstdint>
 
 #include "foundations/records/RedundancyStatus.h"
-#include "foundations/runtime/Mount.h"
+#include "foundations/runtime/RootMounts.h"
 #include "foundations/runtime/StateMachine.h"
 #include "foundations/runtime/String.h"
 
 namespace Routing::Input {
 
-class RootSmBase : public Zel::StateMachine<RootSmBase> {
+class RootSmBase : public Zel::StateMachine<RootSmBase>, public Zel::RootMounts {
  public:
   [[nodiscard]] static Quill::Ptr<RootSmBase> RootSmBaseIs(
       Cairn::EntityManager* em, Cairn::MountGroup* mg, ZelSharedMem::EntityManager* shmemEm,
@@ -22,10 +22,6 @@ class RootSmBase : public Zel::StateMachine<RootSmBase> {
                                  std::move(agentRedundancyStatus));
   }
 
-  [[nodiscard]] Cairn::EntityManager* em() const noexcept { return em_; }
-  [[nodiscard]] Cairn::MountGroup* mg() const noexcept { return mg_; }
-  [[nodiscard]] ZelSharedMem::EntityManager* shmemEm() const noexcept { return shmemEm_; }
-  [[nodiscard]] ZelSharedMem::MountGroup* shmemMg() const noexcept { return shmemMg_; }
   ZEL_CONST(std::uint32_t, maxRoutes)
   ZEL_CONST(std::uint32_t, maxViaSets)
   ZEL_CONST(std::uint32_t, maxVrfs)
@@ -38,21 +34,12 @@ class RootSmBase : public Zel::StateMachine<RootSmBase> {
              ZelSharedMem::MountGroup* shmemMg, std::uint32_t maxRoutes, std::uint32_t maxViaSets,
              std::uint32_t maxVrfs, Quill::String agentName,
              Quill::Ptr<Redundancy::RedundancyStatus const> agentRedundancyStatus)
-      : maxRoutes_(maxRoutes),
+      : RootMounts(em, mg, shmemEm, shmemMg),
+        maxRoutes_(maxRoutes),
         maxViaSets_(maxViaSets),
         maxVrfs_(maxVrfs),
         agentName_(std::move(agentName)),
-        agentRedundancyStatus_(std::move(agentRedundancyStatus)),
-        em_(em),
-        mg_(mg),
-        shmemEm_(shmemEm),
-        shmemMg_(shmemMg) {}
-
- private:
-  Cairn::EntityManager* em_;
-  Cairn::MountGroup* mg_;
-  ZelSharedMem::EntityManager* shmemEm_;
-  ZelSharedMem::MountGroup* shmemMg_;
+        agentRedundancyStatus_(std::move(agentRedundancyStatus)) {}
 };
 
 }  // namespace Routing::Input

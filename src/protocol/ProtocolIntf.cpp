@@ -9,16 +9,4 @@ bool IntfStatus::intf(Ondex::IntfId) const {
   return false;
 }
 
-bool Ipv4IntfStatus::intf(Ondex::IntfId intfId) const {
-  if (!status_) return false;
-  auto record = status_->ipIntfStatus(intfId);
-  return record && record->dpRoutingEnabled();
-}
-
-bool Ipv6IntfStatus::intf(Ondex::IntfId intfId) const {
-  if (!status_) return false;
-  auto record = status_->intfStatus(intfId);
-  return record && record->dpRoutingEnabled();
-}
-
 }  // namespace Routing::Protocol

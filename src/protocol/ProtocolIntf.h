@@ -3,7 +3,9 @@
 // of every interface. IntfSm drives the counter; the protocol container owns both.
 #pragma once
 
+#include <concepts>
 #include <cstdint>
+#include <utility>
 
 #include "foundations/records/IpIntfStatus.h"
 #include "foundations/runtime/Attribute.h"
@@ -25,36 +27,35 @@ class IntfStatus : public Zel::Entity {
   IntfStatus() = default;
 };
 
-class Ipv4IntfStatus : public IntfStatus {
+// The interface status of one family, answered from that family's table of the VRF (`Table`:
+// Ip::VrfIpIntfStatus or Ip6::VrfIp6IntfStatus); the table may be null.
+template <class Table>
+class FamilyIntfStatus : public IntfStatus {
  public:
-  static Quill::Ptr<Ipv4IntfStatus> Ipv4IntfStatusIs(Quill::Ptr<Ip::VrfIpIntfStatus const> status) {
-    return Zel::make<Ipv4IntfStatus>(std::move(status));
+  static Quill::Ptr<FamilyIntfStatus> Ipv4IntfStatusIs(Quill::Ptr<Table const> status)
+    requires std::same_as<Table, Ip::VrfIpIntfStatus>
+  {
+    return Zel::make<FamilyIntfStatus>(std::move(status));
   }
-  [[nodiscard]] Quill::Ptr<Ip::VrfIpIntfStatus const> const& status() const noexcept { return status_; }
-  [[nodiscard]] bool intf(Ondex::IntfId intfId) const override;
+  static Quill::Ptr<FamilyIntfStatus> Ipv6IntfStatusIs(Quill::Ptr<Table const> status)
+    requires std::same_as<Table, Ip6::VrfIp6IntfStatus>
+  {
+    return Zel::make<FamilyIntfStatus>(std::move(status));
+  }
+  [[nodiscard]] Quill::Ptr<Table const> const& status() const noexcept { return status_; }
+  [[nodiscard]] bool intf(Ondex::IntfId intfId) const override {
+    return status_ && status_->dpRoutingEnabledOn(intfId);
+  }
 
  protected:
   friend struct Zel::Factory;
-  explicit Ipv4IntfStatus(Quill::Ptr<Ip::VrfIpIntfStatus const> status) : status_(std::move(status)) {}
+  explicit FamilyIntfStatus(Quill::Ptr<Table const> status) : status_(std::move(status)) {}
 
  private:
-  Quill::Ptr<Ip::VrfIpIntfStatus const> status_;
+  Quill::Ptr<Table const> status_;
 };
 
-class Ipv6IntfStatus : public IntfStatus {
- public:
-  static Quill::Ptr<Ipv6IntfStatus> Ipv6IntfStatusIs(Quill::Ptr<Ip6::VrfIp6IntfStatus const> status) {
-    return Zel::make<Ipv6IntfStatus>(std::move(status));
-  }
-  [[nodiscard]] Quill::Ptr<Ip6::VrfIp6IntfStatus const> const& status() const noexcept { return status_; }
-  [[nodiscard]] bool intf(Ondex::IntfId intfId) const override;
-
- protected:
-  friend struct Zel::Factory;
-  explicit Ipv6IntfStatus(Quill::Ptr<Ip6::VrfIp6IntfStatus const> status) : status_(std::move(status)) {}
-
- private:
-  Quill::Ptr<Ip6::VrfIp6IntfStatus const> status_;
-};
+using Ipv4IntfStatus = FamilyIntfStatus<Ip::VrfIpIntfStatus>;
+using Ipv6IntfStatus = FamilyIntfStatus<Ip6::VrfIp6IntfStatus>;
 
 }  // namespace Routing::Protocol

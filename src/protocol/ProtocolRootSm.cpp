@@ -52,16 +52,13 @@ RootSm::RootSm(Cairn::EntityManager* em, Cairn::MountGroup* mg, ZelSharedMem::En
                ZelSharedMem::MountGroup* shmemMg, std::uint32_t maxRoutes, std::uint32_t maxViaSets,
                std::uint32_t maxVrfs, Rib::RoutingProtocol routingProtocol,
                Quill::Ptr<AllVrfReadyStatus> allVrfReadyStatus, Quill::Ptr<AllVrfRibSeqTrigger> allVrfRibSeqTrigger)
-    : maxRoutes_(maxRoutes),
+    : RootMounts(em, mg, shmemEm, shmemMg),
+      maxRoutes_(maxRoutes),
       maxViaSets_(maxViaSets),
       maxVrfs_(maxVrfs),
       routingProtocol_(routingProtocol),
       allVrfReadyStatus_(std::move(allVrfReadyStatus)),
-      allVrfRibSeqTrigger_(std::move(allVrfRibSeqTrigger)),
-      em_(em),
-      mg_(mg),
-      shmemEm_(shmemEm),
-      shmemMg_(shmemMg) {
+      allVrfRibSeqTrigger_(std::move(allVrfRibSeqTrigger)) {
   // Subscribing walks the existing records (the nested machines of each VRF); the metric tables
   // come with doMountsComplete.
   allVrfReadyStatusWatchIs(allVrfReadyStatus_);
@@ -104,34 +101,34 @@ void RootSm::handleInitialized() {
   DUALOG(8, "handleInitialized");
   routeStatusDirIs(RouteStatusDir::RouteStatusDirIs());
   mcRouteStatusDirIs(RouteStatusDir::RouteStatusDirIs());
-  if (!mg_) return;
-  mg_->doMount(Cairn::Mount(Cell::path(kVrfNameStatusPath, 0), "Vrf::VrfIdMap::NameToIdMapWrapper").handleFlags("r"));
-  Ira::IraIpStatusMounter::doMountEntities(*mg_, true, true);
-  for (auto path : kLoopingPaths) mg_->doMount(Cairn::Mount(Cell::path(path), Quill::String(kLoopingType)).handleFlags("r"));
+  if (!mg()) return;
+  mg()->doMount(Cairn::Mount(Cell::path(kVrfNameStatusPath, 0), "Vrf::VrfIdMap::NameToIdMapWrapper").handleFlags("r"));
+  Ira::IraIpStatusMounter::doMountEntities(*mg(), true, true);
+  for (auto path : kLoopingPaths) mg()->doMount(Cairn::Mount(Cell::path(path), Quill::String(kLoopingType)).handleFlags("r"));
   // With joint agents the hosting agent mounts the via metric tables itself.
   if (!toggleRouteInputStaticRouteJointAgentsEnabled()) brineDoMount();
 }
 
 void RootSm::brineDoMount() {
-  if (!shmemMg_) return;
+  if (!shmemMg()) return;
   ZelBrine::MountInfo const info;
-  shmemMg_->doMount(kViaMetricPath, kViaMetricType, info);
-  shmemMg_->doMount(kMcViaMetricPath, kViaMetricType, info);
+  shmemMg()->doMount(kViaMetricPath, kViaMetricType, info);
+  shmemMg()->doMount(kMcViaMetricPath, kViaMetricType, info);
 }
 
 template <class PathOf>
 Quill::Ptr<Zel::Entity> RootSm::doMountWriterTable(PathOf const& pathOf, std::string_view typeName,
                                                    std::string_view collection, std::uint32_t capacity) {
-  if (!shmemEm_) return nullptr;
+  if (!shmemEm()) return nullptr;
   ZelSkein::MountInfo info(ZelSkein::writerTable);
   info.collectionInfoIs(ZelSkein::CollectionInfo{Quill::String(collection), capacity, 0});
   if (toggleRouteInputStaticRouteJointAgentsEnabled()) {
     // Static routes and route input run in one agent: both protocols' tables are mounted here.
-    (void)shmemEm_->doMount(pathOf("staticConfig").view(), typeName, info);
-    (void)shmemEm_->doMount(pathOf("routeInput").view(), typeName, info);
-    return shmemEm_->getEntity(pathOf(readBackProtocol(routingProtocol())).view());
+    (void)shmemEm()->doMount(pathOf("staticConfig").view(), typeName, info);
+    (void)shmemEm()->doMount(pathOf("routeInput").view(), typeName, info);
+    return shmemEm()->getEntity(pathOf(readBackProtocol(routingProtocol())).view());
   }
-  return shmemEm_->doMount(pathOf(protocolName()).view(), typeName, info);
+  return shmemEm()->doMount(pathOf(protocolName()).view(), typeName, info);
 }
 
 Quill::Ptr<Rib::Ip::ViaConfig> RootSm::initAllVrfViaConfig(std::string_view ribString, Rib::Transport transport) {
@@ -219,15 +216,15 @@ Quill::Ptr<Rib::ViaSetConfig> RootSm::initViaSetConfig(std::string_view ribStrin
 
 void RootSm::doMountsComplete() {
   DUALOG(8, "doMountsComplete");
-  if (shmemEm_) {
+  if (shmemEm()) {
     ZelSkein::MountInfo const vrfIdInfo(ZelSkein::readOnlyNoCollection);
-    (void)shmemEm_->doMount(kVrfIdMapStatusPath, "Vrf::VrfIdMap::Status", vrfIdInfo);
+    (void)shmemEm()->doMount(kVrfIdMapStatusPath, "Vrf::VrfIdMap::Status", vrfIdInfo);
   }
-  vrfIdStatusIs(entityOf<Vrf::VrfIdMap::Status>(shmemEm_, kVrfIdMapStatusPath));
-  vrfNameStatusIs(entityOf<Vrf::VrfIdMap::NameToIdMapWrapper>(em_, Cell::path(kVrfNameStatusPath, 0).view()));
+  vrfIdStatusIs(entityOf<Vrf::VrfIdMap::Status>(shmemEm(), kVrfIdMapStatusPath));
+  vrfNameStatusIs(entityOf<Vrf::VrfIdMap::NameToIdMapWrapper>(em(), Cell::path(kVrfNameStatusPath, 0).view()));
   if (vrfNameStatus()) nameToIdMapIs(vrfNameStatus()->nameToIdMap());
-  ipv4IntfStatusIs(entityOf<Ip::Status>(em_, Cell::path("ip/status").view()));
-  ipv6IntfStatusIs(entityOf<Ip6::Status>(em_, Cell::path("ip6/status").view()));
+  ipv4IntfStatusIs(entityOf<Ip::Status>(em(), Cell::path("ip/status").view()));
+  ipv6IntfStatusIs(entityOf<Ip6::Status>(em(), Cell::path("ip6/status").view()));
 
   initIpv4AllVrfViaConfig();
   initIpv6AllVrfViaConfig();
@@ -242,27 +239,27 @@ void RootSm::doMountsComplete() {
 
   viaSetConfigIs(initViaSetConfig("rib"));
   viaSetConfigSmIs(Rib::ViaSetConfigSm::TableSmIs(viaSetConfig()));
-  if (shmemEm_) {
+  if (shmemEm()) {
     ZelSkein::MountInfo const graphInfo(ZelSkein::readerWithWriter);
     auto const graphType = "Routing::Rib::Ip::GlobalNextHopDependencyGraph";
-    nhdGraphIs(Quill::dynamic_ptr_cast<Rib::Ip::GlobalNextHopDependencyGraph>(shmemEm_->doMount(
+    nhdGraphIs(Quill::dynamic_ptr_cast<Rib::Ip::GlobalNextHopDependencyGraph>(shmemEm()->doMount(
         Rib::Ip::GlobalNextHopDependencyGraph::mountPath("rib").view(), graphType, graphInfo)));
-    mcNhdGraphIs(Quill::dynamic_ptr_cast<Rib::Ip::GlobalNextHopDependencyGraph>(shmemEm_->doMount(
+    mcNhdGraphIs(Quill::dynamic_ptr_cast<Rib::Ip::GlobalNextHopDependencyGraph>(shmemEm()->doMount(
         Rib::Ip::GlobalNextHopDependencyGraph::mountPath("mrib").view(), graphType, graphInfo)));
   }
-  auto metrics = entityOf<Rib::ViaMetricStatusByVrf>(shmemEm_, kViaMetricPath);
-  if (metrics) shmemEm_->assertSafeToAccess(metrics.get(), kViaMetricPath);
+  auto metrics = entityOf<Rib::ViaMetricStatusByVrf>(shmemEm(), kViaMetricPath);
+  if (metrics) shmemEm()->assertSafeToAccess(metrics.get(), kViaMetricPath);
   viaMetricStatusByVrfIs(metrics);
-  loopingRouteStatusByVrf4Is(entityOf<Rib::LoopingRouteStatusByVrf>(em_, Cell::path(kLoopingPaths[0]).view()));
-  loopingRouteStatusByVrf6Is(entityOf<Rib::LoopingRouteStatusByVrf>(em_, Cell::path(kLoopingPaths[1]).view()));
+  loopingRouteStatusByVrf4Is(entityOf<Rib::LoopingRouteStatusByVrf>(em(), Cell::path(kLoopingPaths[0]).view()));
+  loopingRouteStatusByVrf6Is(entityOf<Rib::LoopingRouteStatusByVrf>(em(), Cell::path(kLoopingPaths[1]).view()));
 
   mcViaSetConfigIs(initViaSetConfig("mrib"));
   mcViaSetConfigSmIs(Rib::ViaSetConfigSm::TableSmIs(mcViaSetConfig()));
-  auto mcMetrics = entityOf<Rib::ViaMetricStatusByVrf>(shmemEm_, kMcViaMetricPath);
-  if (mcMetrics) shmemEm_->assertSafeToAccess(mcMetrics.get(), kMcViaMetricPath);
+  auto mcMetrics = entityOf<Rib::ViaMetricStatusByVrf>(shmemEm(), kMcViaMetricPath);
+  if (mcMetrics) shmemEm()->assertSafeToAccess(mcMetrics.get(), kMcViaMetricPath);
   mcViaMetricStatusByVrfIs(mcMetrics);
-  mcLoopingRouteStatusByVrf4Is(entityOf<Rib::LoopingRouteStatusByVrf>(em_, Cell::path(kLoopingPaths[2]).view()));
-  mcLoopingRouteStatusByVrf6Is(entityOf<Rib::LoopingRouteStatusByVrf>(em_, Cell::path(kLoopingPaths[3]).view()));
+  mcLoopingRouteStatusByVrf4Is(entityOf<Rib::LoopingRouteStatusByVrf>(em(), Cell::path(kLoopingPaths[2]).view()));
+  mcLoopingRouteStatusByVrf6Is(entityOf<Rib::LoopingRouteStatusByVrf>(em(), Cell::path(kLoopingPaths[3]).view()));
 
   if (!initialized()) {
     initializedIs(true);

@@ -14,6 +14,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -28,14 +29,14 @@
 #include "foundations/rib/RouteConfig.h"
 #include "foundations/rib/TableSm.h"
 #include "foundations/rib/ViaMetricStatus.h"
-#include "foundations/runtime/Mount.h"
+#include "foundations/runtime/RootMounts.h"
 #include "foundations/runtime/StateMachine.h"
 #include "protocol/ProtocolRouteStatus.h"
 #include "protocol/ProtocolViaMetricStatusSm.h"
 
 namespace Routing::Protocol {
 
-class RootSm : public Zel::StateMachine<RootSm> {
+class RootSm : public Zel::StateMachine<RootSm>, public Zel::RootMounts {
  public:
   using VrfId = Vrf::VrfIdMap::VrfId;
   using ViaMetricStatusEntry = Rib::ViaMetricStatusByProtocol;
@@ -93,11 +94,7 @@ class RootSm : public Zel::StateMachine<RootSm> {
   void handleViaMetricStatus(VrfId const& vrfId);
   void handleMcViaMetricStatus(VrfId const& vrfId);
 
-  // ---- Constructor arguments.
-  [[nodiscard]] Cairn::EntityManager* em() const noexcept { return em_; }
-  [[nodiscard]] Cairn::MountGroup* mg() const noexcept { return mg_; }
-  [[nodiscard]] ZelSharedMem::EntityManager* shmemEm() const noexcept { return shmemEm_; }
-  [[nodiscard]] ZelSharedMem::MountGroup* shmemMg() const noexcept { return shmemMg_; }
+  // ---- Constructor arguments (the stores and mount groups are RootMounts').
   ZEL_CONST(std::uint32_t, maxRoutes)
   ZEL_CONST(std::uint32_t, maxViaSets)
   ZEL_CONST(std::uint32_t, maxVrfs)
@@ -297,6 +294,14 @@ class RootSm : public Zel::StateMachine<RootSm> {
   // The ready rules of a family (ReadyV4, ReadyV6: its tables, sets and texts).
   struct ReadyV4;
   struct ReadyV6;
+  // How the unicast and the multicast rule of a family take a VRF out that cannot be served.
+  template <class Family>
+  struct UnicastLookup;
+  template <class Family>
+  struct MulticastLookup;
+  // The VRF's id for a ready rule; none once the rule's Lookup has taken the VRF out.
+  template <class Lookup>
+  std::optional<VrfId> readyRuleVrfId(L3::VrfName const& vrf);
   template <class Family>
   void doSetReadyVrf(L3::VrfName const& vrf);
   template <class Family>
@@ -306,10 +311,6 @@ class RootSm : public Zel::StateMachine<RootSm> {
   // The per-VRF clean-up of one route table.
   void doCleanupRoutes(Rib::RouteConfig* table, L3::VrfName const& vrf, VrfId vrfId);
 
-  Cairn::EntityManager* em_;
-  Cairn::MountGroup* mg_;
-  ZelSharedMem::EntityManager* shmemEm_;
-  ZelSharedMem::MountGroup* shmemMg_;
   // The all-VRF via tables this root registered, (transport, rib), to take back at teardown.
   std::vector<std::pair<std::string, std::string>> registeredViaConfigs_;
 };

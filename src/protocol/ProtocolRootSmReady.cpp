@@ -1,5 +1,7 @@
 // RootSm's readiness: the ready sets per VRF and family, the VRFs' readiness records and the RIB's
 // sequence handshake, and the nested machines and reactors that drive them.
+#include <optional>
+
 #include "foundations/runtime/Dualog.h"
 #include "foundations/runtime/Exception.h"
 #include "protocol/ProtocolRootSm.h"
@@ -124,25 +126,56 @@ struct RootSm::ReadyV6 {
 void RootSm::setReadyVrfIpv4(L3::VrfName const& vrf) { doSetReadyVrf<ReadyV4>(vrf); }
 void RootSm::setReadyVrfIpv6(L3::VrfName const& vrf) { doSetReadyVrf<ReadyV6>(vrf); }
 
+// ---- What both rules do first: find the VRF's id, or take the VRF out of the rule's sets when
+// there is no VRF map or the VRF has no id. The two rules trace these cases in texts of their own.
+
 template <class F>
-void RootSm::doSetReadyVrf(L3::VrfName const& vrf) {
+struct RootSm::UnicastLookup {
+  static constexpr char kNoMap[] = "no nameToIdMap vrf={}";
+  static constexpr char kNoId[] = "no vrfId vrf={}";
+  static void noMap(RootSm& r, L3::VrfName const& vrf) {
+    F::readyDel(r, vrf);
+    F::nullDel(r, vrf);
+  }
+  // The null-interface set is left alone: the VRF's interface state has not changed.
+  static void noId(RootSm& r, L3::VrfName const& vrf) { F::readyDel(r, vrf); }
+};
+
+template <class F>
+struct RootSm::MulticastLookup {
+  static constexpr char kNoMap[] = "No NameToIdMap vrf={}";
+  static constexpr char kNoId[] = "No vrfId vrf={}";
+  static void noMap(RootSm& r, L3::VrfName const& vrf) { F::mcDel(r, vrf); }
+  static void noId(RootSm& r, L3::VrfName const& vrf) { F::mcDel(r, vrf); }
+};
+
+template <class Lookup>
+std::optional<RootSm::VrfId> RootSm::readyRuleVrfId(L3::VrfName const& vrf) {
   DUALOG(0, "vrf={}", vrf);
-  if (!initialized()) return;
+  if (!initialized()) return std::nullopt;
   auto const names = currentNameToIdMap();
   if (!names) {
-    DUALOG(0, "no nameToIdMap vrf={}", vrf);
-    F::readyDel(*this, vrf);
-    F::nullDel(*this, vrf);
-    return;
+    DUALOG(0, Lookup::kNoMap, vrf);
+    Lookup::noMap(*this, vrf);
+    return std::nullopt;
   }
   VrfId const vrfId = names->vrfIdOf(vrf);
   if (vrfId.isNone()) {
-    // The null-interface set is left alone: the VRF's interface state has not changed.
-    DUALOG(0, "no vrfId vrf={}", vrf);
-    F::readyDel(*this, vrf);
-    return;
+    DUALOG(0, Lookup::kNoId, vrf);
+    Lookup::noId(*this, vrf);
+    return std::nullopt;
   }
   DUALOG(0, "vrf={} vrfId={}", vrf, vrfId.value());
+  return vrfId;
+}
+
+// ---- The unicast rule.
+
+template <class F>
+void RootSm::doSetReadyVrf(L3::VrfName const& vrf) {
+  auto const found = readyRuleVrfId<UnicastLookup<F>>(vrf);
+  if (!found) return;
+  VrfId const vrfId = *found;
   // Every input is read before any set changes: a change re-enters these functions.
   auto const a = viaMetricStatus(F::transport(), vrfId, "rib");
   auto const& loopingTable = F::looping(*this);
@@ -200,21 +233,9 @@ void RootSm::setMcReadyVrfIpv6(L3::VrfName const& vrf) { doSetMcReadyVrf<ReadyV6
 
 template <class F>
 void RootSm::doSetMcReadyVrf(L3::VrfName const& vrf) {
-  DUALOG(0, "vrf={}", vrf);
-  if (!initialized()) return;
-  auto const names = currentNameToIdMap();
-  if (!names) {
-    DUALOG(0, "No NameToIdMap vrf={}", vrf);
-    F::mcDel(*this, vrf);
-    return;
-  }
-  VrfId const vrfId = names->vrfIdOf(vrf);
-  if (vrfId.isNone()) {
-    DUALOG(0, "No vrfId vrf={}", vrf);
-    F::mcDel(*this, vrf);
-    return;
-  }
-  DUALOG(0, "vrf={} vrfId={}", vrf, vrfId.value());
+  auto const found = readyRuleVrfId<MulticastLookup<F>>(vrf);
+  if (!found) return;
+  VrfId const vrfId = *found;
   auto const m = viaMetricStatus(F::transport(), vrfId, "mrib");
   auto const& loopingTable = F::mcLooping(*this);
   auto const l = loopingTable ? loopingTable->vrfStatus(vrf) : nullptr;

@@ -265,6 +265,39 @@ TEST_F(RootSmTest, MulticastNeedsTheInterfaceTableAndNotTheDefaultVrf) {
   EXPECT_FALSE(root->mcReadyVrfIpv4Has(L3::VrfName("green")));
 }
 
+// A VRF without an id, or any VRF while there is no VRF map, leaves the sets of both ready rules:
+// the unicast rule keeps its mark of a VRF without interfaces when only the id goes (its interfaces
+// did not change) and drops it with the map.
+TEST_F(RootSmTest, VrfWithoutIdOrMapLeavesTheSetsOfBothRules) {
+  L3::VrfName const blue("blue");
+  vrfIs("default", 0);
+  vrfIs("blue", 2);
+  intf4Is("blue");
+  startRoot();
+  ribReadyFor("default", 0);
+  ribReadyFor("blue", 2);
+  metricIs(2, Transport::transportIpv4(), true);
+  mcLooping4->vrfStatusIs(blue);
+  auto const null6 = [&] { return root->readyVrfIpv6SetWithNullIntfStatusHas(blue); };
+  auto const mc4 = [&] { return root->mcReadyVrfIpv4Has(blue); };
+  ASSERT_TRUE(ready4("blue") && ready6("blue") && null6() && mc4()) << "step 1: ready in both rules";
+
+  vrfDel("blue", 2);
+  EXPECT_FALSE(ready4("blue") || ready6("blue")) << "step 2: no id";
+  EXPECT_TRUE(null6()) << "step 2: the mark of a VRF without IPv6 interfaces stays";
+  EXPECT_FALSE(mc4()) << "step 2";
+
+  vrfIs("blue", 2);
+  ASSERT_TRUE(ready4("blue") && ready6("blue") && null6() && mc4()) << "step 3: the id back";
+
+  nameStatus->nameToIdMapIs(nullptr);
+  intf6Is("blue");
+  EXPECT_FALSE(ready6("blue") || null6()) << "step 4: no map, the IPv6 rules ran";
+  EXPECT_TRUE(ready4("blue") && mc4()) << "step 4: the IPv4 rules did not run";
+  ip4->vrfIpIntfStatusDel(blue);
+  EXPECT_FALSE(ready4("blue") || mc4()) << "step 5: no map, the IPv4 rules ran";
+}
+
 TEST_F(RootSmTest, PlainStartMarksRoutesReadyAtOnceEvenForAVrfNotReady) {
   vrfIs("red", 1);
   startRoot(Routing::Rib::RoutingProtocol::staticConfig(), false);

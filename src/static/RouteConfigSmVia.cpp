@@ -42,7 +42,7 @@ void RouteConfigSm::handleVia(Route const& route, Via const& via, Vrf::VrfIdMap:
   }
   RouteKey const& key = route.key();
   auto statusRoute = status_->route(key.prefix());
-  bool const prefExists = statusRoute && statusRoute->routePrefHas(key.preference());
+  bool const prefExists = statusRoute && statusRoute->routePrefHas(isStaticMode() ? srEntryPref(key) : key.preference());
   if (backlogHas(key) && !prefExists && isStaticMode()) {
     RC_TRACE(8, "handleVia " << key
                              << " rib route not present for route on review backlog, deferring to route review task");

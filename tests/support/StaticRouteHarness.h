@@ -247,6 +247,8 @@ inline std::string viaText(unsigned type, std::string const& hop, std::string co
 
 inline Family const kIpv4{Ondex::AddressFamily::ipv4, "ipv4"};
 inline Family const kIpv6{Ondex::AddressFamily::ipv6, "ipv6"};
+// GoogleTest prints a parameter by its name (not its bytes) in test names and messages.
+inline void PrintTo(Family const& family, std::ostream* os) { *os << family.name; }
 // For INSTANTIATE_TEST_SUITE_P: the family's name as the test's suffix.
 inline std::string familyName(::testing::TestParamInfo<Family> const& info) { return info.param.name; }
 

@@ -1,10 +1,11 @@
 // RouteConfigSm driven through its input records: routes, settings and VRF events go in, the
 // scheduler runs to idle with a small item budget per run, and the status store and via table are
-// read back.
+// read back. Each scenario runs for IPv4 and IPv6 (addresses from the harness's family table).
 #include "static/RouteConfigSm.h"
 
-#include <map>
+#include <algorithm>
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -15,88 +16,99 @@
 namespace BowlineTest {
 namespace {
 
-using Routing::Route;
 using Routing::RouteType;
 using Routing::RouteViaAttr;
+using Routing::General::StaticRouteEcmpState;
 using Set = std::multiset<std::string>;
+using Prefs = std::vector<unsigned>;
 
-class RouteConfigSmTest : public RuntimeFixture {
+class RouteConfigSmTest : public RuntimeFixture, public ::testing::WithParamInterface<Family> {
  protected:
   void start() {
     h.start(scheduler());
     runToIdle();
   }
-  StaticRouteHarness h;
+  // The i-th next hop as a via, on an interface where one is given.
+  [[nodiscard]] Routing::Via via(unsigned hop, char const* intf = "") const {
+    return StaticRouteHarness::via(f.hop(hop), intf);
+  }
+  // What viasOf shows for the i-th next hop alone: a recursive via (type 2) unless told otherwise.
+  [[nodiscard]] std::string nh(unsigned hop, std::string const& rest = " weight 0", unsigned type = 2) const {
+    return viaText(type, f.hop(hop), "", rest);
+  }
+  [[nodiscard]] std::string net(unsigned i) const { return f.net(i); }
+  void leakIs(Routing::RouteList& source, std::string const& prefix, unsigned pref, Vrf::VrfIdMap::VrfId from,
+              unsigned hop = 0) {
+    auto route = source.routeIs(routeKey(prefix, pref), RouteType::forward);
+    if (hop) route->viaIs(via(hop), {});
+    h.leak->leakRouteIs(Routing::Protocol::LeakRoute::LeakRouteIs(Routing::Protocol::VrfIdAf(from, h.af), route));
+  }
+  void globalPrefIs(unsigned pref) {
+    h.general->staticRoutePreferenceIs(Routing::RoutePreference(static_cast<std::uint8_t>(pref)));
+  }
+
+  Family const f = GetParam();
+  StaticRouteHarness h{f.af};
 };
 
-TEST_F(RouteConfigSmTest, StaticBeatsDynamicBeatsLeakedAndEachTakesOverWhenTheOneAboveGoes) {
-  auto viaA = StaticRouteHarness::via("10.0.0.1");
-  auto viaB = StaticRouteHarness::via("10.0.0.2");
-  auto viaC = StaticRouteHarness::via("10.0.0.3");
-  h.routeIs(*h.config, "1.0.0.0/24")->viaIs(viaA, RouteViaAttr(0, 0));
-  h.routeIs(*h.dynamic, "1.0.0.0/24")->viaIs(viaB, RouteViaAttr(0, 0));
-  // A leaked route of the same key, from VRF 7.
+TEST_P(RouteConfigSmTest, StaticBeatsDynamicBeatsLeakedAndEachTakesOverWhenTheOneAboveGoes) {
+  auto const p = net(1);
+  h.routeIs(*h.config, p)->viaIs(via(1), {});
+  h.routeIs(*h.dynamic, p)->viaIs(via(2), {});
   auto source = Routing::RouteList::RouteListIs();
-  auto leaked = source->routeIs(routeKey("1.0.0.0/24"), RouteType::forward);
-  leaked->viaIs(viaC, RouteViaAttr(0, 0));
-  h.leak->leakRouteIs(Routing::Protocol::LeakRoute::LeakRouteIs(Routing::Protocol::VrfIdAf(7, h.af), leaked));
+  leakIs(*source, p, 1, 7, 3);  // from VRF 7
   start();
-  EXPECT_EQ(h.viasOf("1.0.0.0/24"), Set{"2: nextHop 10.0.0.1 intf  weight 0"});
-  EXPECT_EQ(h.status->route(pfx("1.0.0.0/24"))->srcVrfId(), Vrf::VrfIdMap::VrfId(0));
+  EXPECT_EQ(h.viasOf(p), Set{nh(1)}) << "step 1";
+  EXPECT_EQ(h.status->route(pfx(p))->srcVrfId(), Vrf::VrfIdMap::VrfId(0)) << "step 1";
 
-  // A dynamic via change under the static route does not reach the store.
-  h.dynamic->route(routeKey("1.0.0.0/24"))->viaIs(StaticRouteHarness::via("10.0.0.9"), RouteViaAttr(0, 0));
+  // 2. A dynamic via change under the static route does not reach the store.
+  h.dynamic->route(routeKey(p))->viaIs(via(9), {});
   runToIdle();
-  EXPECT_EQ(h.viasOf("1.0.0.0/24"), Set{"2: nextHop 10.0.0.1 intf  weight 0"});
+  EXPECT_EQ(h.viasOf(p), Set{nh(1)}) << "step 2";
 
-  h.config->routeDel(routeKey("1.0.0.0/24"));
+  h.config->routeDel(routeKey(p));
   runToIdle();
-  EXPECT_EQ(h.viasOf("1.0.0.0/24"),
-            (Set{"2: nextHop 10.0.0.2 intf  weight 0", "2: nextHop 10.0.0.9 intf  weight 0"}));
+  EXPECT_EQ(h.viasOf(p), (Set{nh(2), nh(9)})) << "step 2";
 
-  // The dynamic route goes: the leaked route comes into use, resolved in its source VRF.
-  h.dynamic->routeDel(routeKey("1.0.0.0/24"));
+  // 3. The dynamic route goes: the leaked route comes into use, resolved in its source VRF.
+  h.dynamic->routeDel(routeKey(p));
   runToIdle();
-  EXPECT_EQ(h.viasOf("1.0.0.0/24"), Set{"2: nextHop 10.0.0.3 intf  weight 0 vrf 7"});
-  EXPECT_EQ(h.status->route(pfx("1.0.0.0/24"))->srcVrfId(), Vrf::VrfIdMap::VrfId(7));
-  EXPECT_TRUE(h.sm->leakRouteInUseHas(routeKey("1.0.0.0/24")));
+  EXPECT_EQ(h.viasOf(p), Set{nh(3, " weight 0 vrf 7")}) << "step 3";
+  EXPECT_EQ(h.status->route(pfx(p))->srcVrfId(), Vrf::VrfIdMap::VrfId(7)) << "step 3";
+  EXPECT_TRUE(h.sm->leakRouteInUseHas(routeKey(p))) << "step 3";
 
-  // A static route comes back: the leaked route is withdrawn first.
-  h.routeIs(*h.config, "1.0.0.0/24")->viaIs(viaA, RouteViaAttr(0, 0));
+  // 4. A static route comes back: the leaked route is withdrawn first.
+  h.routeIs(*h.config, p)->viaIs(via(1), {});
   runToIdle();
-  EXPECT_EQ(h.viasOf("1.0.0.0/24"), Set{"2: nextHop 10.0.0.1 intf  weight 0"});
-  EXPECT_FALSE(h.sm->leakRouteInUseHas(routeKey("1.0.0.0/24")));
+  EXPECT_EQ(h.viasOf(p), Set{nh(1)}) << "step 4";
+  EXPECT_FALSE(h.sm->leakRouteInUseHas(routeKey(p))) << "step 4";
 
-  // All sources gone: nothing of the prefix is left, and no via stays in the table.
-  h.leak->leakRouteDel(routeKey("1.0.0.0/24"));
-  h.config->routeDel(routeKey("1.0.0.0/24"));
+  // 5. All sources gone: nothing of the prefix is left, and no via stays in the table.
+  h.leak->leakRouteDel(routeKey(p));
+  h.config->routeDel(routeKey(p));
   runToIdle();
-  EXPECT_EQ(h.status->route(pfx("1.0.0.0/24")), nullptr);
-  EXPECT_EQ(h.ipViaConfig->viaSize(), 0u);
+  EXPECT_EQ(h.status->route(pfx(p)), nullptr) << "step 5";
+  EXPECT_EQ(h.ipViaConfig->viaSize(), 0u) << "step 5";
 }
 
-TEST_F(RouteConfigSmTest, ManyChangesOfOneKeyAreReviewedOnce) {
+TEST_P(RouteConfigSmTest, ManyChangesOfOneKeyAreReviewedOnce) {
   start();
-  auto route = h.routeIs(*h.config, "2.0.0.0/16");
+  auto route = h.routeIs(*h.config, net(2));
   for (unsigned i = 0; i < 20; ++i) route->tagIs(i);
   EXPECT_EQ(h.sm->backlogSize(), 1u);
   runToIdle();
-  EXPECT_EQ(h.status->route(pfx("2.0.0.0/16"))->routeChangedVersion(), 1u);
-  EXPECT_EQ(h.routePref("2.0.0.0/16")->tag(), 19u);
+  EXPECT_EQ(h.status->route(pfx(net(2)))->routeChangedVersion(), 1u);
+  EXPECT_EQ(h.routePref(net(2))->tag(), 19u);
 }
 
-TEST_F(RouteConfigSmTest, ReviewOfAllRoutesYieldsAndResumesAtEachBookmark) {
+TEST_P(RouteConfigSmTest, ReviewOfAllRoutesYieldsAndResumesAtEachBookmark) {
   itemsPerRun = 3;
   scheduler()->yieldPolicyIs(Halyard::YieldPolicy::afterItemsOf(itemsPerRun));
   auto source = Routing::RouteList::RouteListIs();
-  for (int i = 0; i < 7; ++i) {
-    std::string p = "10.0." + std::to_string(i) + ".0/24";
-    h.routeIs(*h.config, p.c_str());
-    std::string d = "11.0." + std::to_string(i) + ".0/24";
-    h.routeIs(*h.dynamic, d.c_str());
-    std::string l = "12.0." + std::to_string(i) + ".0/24";
-    auto r = source->routeIs(routeKey(l.c_str()), RouteType::forward);
-    h.leak->leakRouteIs(Routing::Protocol::LeakRoute::LeakRouteIs(Routing::Protocol::VrfIdAf(0, h.af), r));
+  for (unsigned i = 0; i < 7; ++i) {
+    h.routeIs(*h.config, net(i));
+    h.routeIs(*h.dynamic, net(8 + i));
+    leakIs(*source, net(16 + i), 1, 0);
   }
   h.start(scheduler());
   std::vector<int> bookmarks;  // which walk each run stopped in: 0 static, 1 dynamic, 2 leak
@@ -109,9 +121,7 @@ TEST_F(RouteConfigSmTest, ReviewOfAllRoutesYieldsAndResumesAtEachBookmark) {
       bookmarks.push_back(0);
   }
   EXPECT_EQ(h.status->routeSize(), 21u);
-  EXPECT_NE(std::find(bookmarks.begin(), bookmarks.end(), 0), bookmarks.end());
-  EXPECT_NE(std::find(bookmarks.begin(), bookmarks.end(), 1), bookmarks.end());
-  EXPECT_NE(std::find(bookmarks.begin(), bookmarks.end(), 2), bookmarks.end());
+  for (int walk : {0, 1, 2}) EXPECT_NE(std::find(bookmarks.begin(), bookmarks.end(), walk), bookmarks.end()) << walk;
   EXPECT_TRUE(h.status->initialized());
 
   // A review suspended in the leak walk: an interface change clears the static and dynamic
@@ -134,14 +144,15 @@ TEST_F(RouteConfigSmTest, ReviewOfAllRoutesYieldsAndResumesAtEachBookmark) {
   EXPECT_FALSE(h.sm->reviewKeyBookmarkLeak());
 }
 
-TEST_F(RouteConfigSmTest, GracefulRestartHoldsTheReviewUntilStartReadyVerification) {
+TEST_P(RouteConfigSmTest, GracefulRestartHoldsTheReviewUntilStartReadyVerification) {
+  auto const routesReady = [this] { return f.v6() ? h.ready->v6RoutesReady() : h.ready->v4RoutesReady(); };
   h.grState = Routing::Protocol::GrState::GrStateIs(true);
-  h.routeIs(*h.config, "3.0.0.0/8")->viaIs(StaticRouteHarness::via("10.0.0.1"), RouteViaAttr(0, 0));
+  h.routeIs(*h.config, net(3))->viaIs(via(1), RouteViaAttr(0, 0));
   start();
   EXPECT_EQ(h.status->routeSize(), 0u);
-  EXPECT_FALSE(h.ready->v4RoutesReady());
+  EXPECT_FALSE(routesReady());
   EXPECT_TRUE(h.ipViaConfig->restartingVrfHas(0));
-  h.routeIs(*h.config, "4.0.0.0/8");
+  h.routeIs(*h.config, net(4));
   runToIdle();
   EXPECT_EQ(h.status->routeSize(), 0u);
   EXPECT_EQ(h.sm->backlogSize(), 1u) << "the backlog waits";
@@ -149,233 +160,223 @@ TEST_F(RouteConfigSmTest, GracefulRestartHoldsTheReviewUntilStartReadyVerificati
   h.grState->startReadyVerificationIs(true);
   runToIdle();
   EXPECT_EQ(h.status->routeSize(), 2u);
-  EXPECT_TRUE(h.ready->v4RoutesReady());
+  EXPECT_TRUE(routesReady());
+  EXPECT_FALSE(f.v6() ? h.ready->v4RoutesReady() : h.ready->v6RoutesReady()) << "the other family's is not ours";
   EXPECT_TRUE(h.status->initialized());
   EXPECT_FALSE(h.ipViaConfig->restartingVrfHas(0));
 }
 
-TEST_F(RouteConfigSmTest, GlobalPreferenceMovesDefaultPreferenceRoutes) {
-  h.general->staticRoutePreferenceIs(Routing::RoutePreference(40));
-  auto hop = StaticRouteHarness::via("10.0.0.1");
-  h.routeIs(*h.config, "5.0.0.0/8")->viaIs(hop, RouteViaAttr(0, 0));
-  h.routeIs(*h.config, "6.0.0.0/8", 5)->viaIs(hop, RouteViaAttr(0, 0));
-  h.routeIs(*h.config, "7.0.0.0/8", 40)->viaIs(hop, RouteViaAttr(0, 0));
+TEST_P(RouteConfigSmTest, GlobalPreferenceMovesDefaultPreferenceRoutes) {
+  globalPrefIs(40);
+  h.routeIs(*h.config, net(5))->viaIs(via(1), {});
+  h.routeIs(*h.config, net(6), 5)->viaIs(via(1), {});
+  h.routeIs(*h.config, net(7), 40)->viaIs(via(1), {});
   start();
-  EXPECT_EQ(h.prefsOf("5.0.0.0/8"), std::vector<unsigned>{40});
-  EXPECT_EQ(h.prefsOf("6.0.0.0/8"), std::vector<unsigned>{5});
-  // An explicit preference equal to the global one is programmed and then removed again.
-  EXPECT_EQ(h.prefsOf("7.0.0.0/8"), std::vector<unsigned>{});
+  EXPECT_EQ(h.prefsOf(net(5)), Prefs{40}) << "step 1";
+  EXPECT_EQ(h.prefsOf(net(6)), Prefs{5}) << "step 1";
+  EXPECT_EQ(h.prefsOf(net(7)), Prefs{}) << "step 1: an explicit preference equal to the global one is left out";
 
-  h.general->staticRoutePreferenceIs(Routing::RoutePreference(50));
+  globalPrefIs(50);
   runToIdle();
-  EXPECT_EQ(h.prefsOf("5.0.0.0/8"), std::vector<unsigned>{50});
-  EXPECT_EQ(h.prefsOf("6.0.0.0/8"), std::vector<unsigned>{5});
-  EXPECT_EQ(h.prefsOf("7.0.0.0/8"), std::vector<unsigned>{40});
+  EXPECT_EQ(h.prefsOf(net(5)), Prefs{50}) << "step 2";
+  EXPECT_EQ(h.prefsOf(net(6)), Prefs{5}) << "step 2";
+  EXPECT_EQ(h.prefsOf(net(7)), Prefs{40}) << "step 2";
 
-  h.general->staticRoutePreferenceIs(Routing::RoutePreference(1));
+  globalPrefIs(1);
   runToIdle();
-  EXPECT_EQ(h.prefsOf("5.0.0.0/8"), std::vector<unsigned>{1});
-  EXPECT_EQ(h.prefsOf("7.0.0.0/8"), std::vector<unsigned>{40});
+  EXPECT_EQ(h.prefsOf(net(5)), Prefs{1}) << "step 3";
+  EXPECT_EQ(h.prefsOf(net(7)), Prefs{40}) << "step 3";
 
-  // Deleting one of two preferences leaves the prefix; the last takes it away.
-  h.routeIs(*h.config, "5.0.0.0/8", 9)->viaIs(hop, RouteViaAttr(0, 0));
+  // 4. Deleting one of two preferences leaves the prefix; the last takes it away.
+  h.routeIs(*h.config, net(5), 9)->viaIs(via(1), {});
   runToIdle();
-  EXPECT_EQ(h.prefsOf("5.0.0.0/8"), (std::vector<unsigned>{1, 9}));
-  h.config->routeDel(routeKey("5.0.0.0/8"));
+  EXPECT_EQ(h.prefsOf(net(5)), (Prefs{1, 9})) << "step 4";
+  h.config->routeDel(routeKey(net(5)));
   runToIdle();
-  EXPECT_EQ(h.prefsOf("5.0.0.0/8"), std::vector<unsigned>{9});
-  h.config->routeDel(routeKey("5.0.0.0/8", 9));
+  EXPECT_EQ(h.prefsOf(net(5)), Prefs{9}) << "step 4";
+  h.config->routeDel(routeKey(net(5), 9));
   runToIdle();
-  EXPECT_EQ(h.status->route(pfx("5.0.0.0/8")), nullptr);
+  EXPECT_EQ(h.status->route(pfx(net(5))), nullptr) << "step 4";
 }
 
 // One prefix configured without a preference (D, at the global preference G), at G explicitly (E)
 // and at another preference (F). Each key is also reviewed alone, in both orders: the outcome may
 // not depend on which key's review came last.
-TEST_F(RouteConfigSmTest, ARouteAtTheGlobalPreferenceKeepsItsEntryWhateverTheOrderOfReviews) {
-  auto const d = routeKey("5.0.0.0/8");
-  auto const e = routeKey("5.0.0.0/8", 40);
-  auto const f = routeKey("5.0.0.0/8", 60);
-  auto const hop = [](char const* text) { return StaticRouteHarness::via(text); };
-  auto const at = [this](unsigned pref) { return h.viasOf("5.0.0.0/8", pref); };
-  Set const viaD{"2: nextHop 10.0.0.1 intf  weight 0"};
-  Set const viaF{"2: nextHop 10.0.0.3 intf  weight 0"};
-  h.general->staticRoutePreferenceIs(Routing::RoutePreference(40));
-  h.config->routeIs(e, RouteType::forward)->viaIs(hop("10.0.0.2"), {});
-  h.config->routeIs(f, RouteType::forward)->viaIs(hop("10.0.0.3"), {});
-  h.config->routeIs(d, RouteType::forward)->viaIs(hop("10.0.0.1"), {});
+TEST_P(RouteConfigSmTest, ARouteAtTheGlobalPreferenceKeepsItsEntryWhateverTheOrderOfReviews) {
+  auto const p = net(5);
+  auto const d = routeKey(p);
+  auto const e = routeKey(p, 40);
+  auto const g = routeKey(p, 60);
+  auto const at = [&](unsigned pref) { return h.viasOf(p, pref); };
+  globalPrefIs(40);
+  h.config->routeIs(e, RouteType::forward)->viaIs(via(2), {});
+  h.config->routeIs(g, RouteType::forward)->viaIs(via(3), {});
+  h.config->routeIs(d, RouteType::forward)->viaIs(via(1), {});
   start();
   // 1. D holds G; E, of explicit preference G, is not installed and takes nothing of D's.
-  EXPECT_EQ(h.prefsOf("5.0.0.0/8"), (std::vector<unsigned>{40, 60})) << "step 1";
-  EXPECT_EQ(at(40), viaD) << "step 1";
-  for (auto const& order : {std::vector{e, f, d}, std::vector{d, f, e}, std::vector{f, e}, std::vector{e}}) {
+  EXPECT_EQ(h.prefsOf(p), (Prefs{40, 60})) << "step 1";
+  EXPECT_EQ(at(40), Set{nh(1)}) << "step 1";
+  for (auto const& order : {std::vector{e, g, d}, std::vector{d, g, e}, std::vector{g, e}, std::vector{e}}) {
     for (auto const& key : order) h.sm->handleRoute(key);
     runToIdle();
-    EXPECT_EQ(h.prefsOf("5.0.0.0/8"), (std::vector<unsigned>{40, 60})) << "step 1, reviewed alone";
-    EXPECT_EQ(at(40), viaD) << "step 1, reviewed alone";
+    EXPECT_EQ(h.prefsOf(p), (Prefs{40, 60})) << "step 1, reviewed alone";
+    EXPECT_EQ(at(40), Set{nh(1)}) << "step 1, reviewed alone";
   }
   // 2. A via of E changes: D's entry does not take it.
-  h.config->route(e)->viaIs(hop("10.0.0.4"), {});
+  h.config->route(e)->viaIs(via(4), {});
   runToIdle();
-  EXPECT_EQ(at(40), viaD) << "step 2";
+  EXPECT_EQ(at(40), Set{nh(1)}) << "step 2";
   // 3. D goes and comes back: E alone is not installed; D takes its entry whole again.
   h.config->routeDel(d);
   runToIdle();
-  EXPECT_EQ(h.prefsOf("5.0.0.0/8"), std::vector<unsigned>{60}) << "step 3";
-  h.config->routeIs(d, RouteType::forward)->viaIs(hop("10.0.0.1"), {});
+  EXPECT_EQ(h.prefsOf(p), Prefs{60}) << "step 3";
+  h.config->routeIs(d, RouteType::forward)->viaIs(via(1), {});
   runToIdle();
-  EXPECT_EQ(at(40), viaD) << "step 3";
+  EXPECT_EQ(at(40), Set{nh(1)}) << "step 3";
   // 4. G moves to F's preference: E now has its own entry, D holds 60 and F is not installed.
-  h.general->staticRoutePreferenceIs(Routing::RoutePreference(60));
+  globalPrefIs(60);
   runToIdle();
-  EXPECT_EQ(h.prefsOf("5.0.0.0/8"), (std::vector<unsigned>{40, 60})) << "step 4";
-  EXPECT_EQ(at(40), (Set{"2: nextHop 10.0.0.2 intf  weight 0", "2: nextHop 10.0.0.4 intf  weight 0"})) << "step 4";
-  EXPECT_EQ(at(60), viaD) << "step 4";
-  for (auto const& key : {d, e, f}) h.sm->handleRoute(key);
+  EXPECT_EQ(h.prefsOf(p), (Prefs{40, 60})) << "step 4";
+  EXPECT_EQ(at(40), (Set{nh(2), nh(4)})) << "step 4";
+  EXPECT_EQ(at(60), Set{nh(1)}) << "step 4";
+  for (auto const& key : {d, e, g}) h.sm->handleRoute(key);
   runToIdle();
-  EXPECT_EQ(at(60), viaD) << "step 4, reviewed again";
+  EXPECT_EQ(at(60), Set{nh(1)}) << "step 4, reviewed again";
   // 5. G goes back to 1 and D goes before the review that would have moved it: nothing of D stays.
-  h.general->staticRoutePreferenceIs(Routing::RoutePreference(1));
+  globalPrefIs(1);
   h.config->routeDel(d);
   runToIdle();
-  EXPECT_EQ(h.prefsOf("5.0.0.0/8"), (std::vector<unsigned>{40, 60})) << "step 5";
-  EXPECT_EQ(at(60), viaF) << "step 5";
+  EXPECT_EQ(h.prefsOf(p), (Prefs{40, 60})) << "step 5";
+  EXPECT_EQ(at(60), Set{nh(3)}) << "step 5";
 }
 
-TEST_F(RouteConfigSmTest, DropAndToCpuRoutesHaveOneViaWhateverTheConfiguration) {
-  h.routeIs(*h.config, "8.0.0.0/8", 1, RouteType::drop)->viaIs(StaticRouteHarness::via("10.0.0.1"), {});
-  h.routeIs(*h.config, "9.0.0.0/8", 1, RouteType::dropWithIndication);
-  h.routeIs(*h.config, "127.0.0.0/8")->viaIs(StaticRouteHarness::via("10.0.0.1"), {});
-  h.routeIs(*h.config, "127.0.0.0/9")->viaIs(StaticRouteHarness::via("10.0.0.1"), {});
+TEST_P(RouteConfigSmTest, DropAndToCpuRoutesHaveOneViaWhateverTheConfiguration) {
+  Set const null0{viaText(4, "", "Null0")};
+  Set const null0Indication{viaText(4, "", "Null0", " flags 0x20 weight 0")};
+  Set const cpu{viaText(4, "", "", " flags 0x40 weight 0")};
+  h.routeIs(*h.config, net(8), 1, RouteType::drop)->viaIs(via(1), {});
+  h.routeIs(*h.config, net(9), 1, RouteType::dropWithIndication);
+  h.routeIs(*h.config, f.toCpu())->viaIs(via(1), {});
+  h.routeIs(*h.config, f.nearToCpu())->viaIs(via(1), {});
   start();
-  EXPECT_EQ(h.viasOf("8.0.0.0/8"), Set{"4: nextHop  intf Null0 weight 0"});
-  EXPECT_EQ(h.routePref("8.0.0.0/8")->fibRouteType(), 29);
-  EXPECT_EQ(h.viasOf("9.0.0.0/8"), Set{"4: nextHop  intf Null0 flags 0x20 weight 0"});
-  EXPECT_EQ(h.routePref("9.0.0.0/8")->fecType(), 9);
-  EXPECT_EQ(h.routePref("9.0.0.0/8")->fibRouteType(), 40);
-  EXPECT_EQ(h.viasOf("127.0.0.0/8"), Set{"4: nextHop  intf  flags 0x40 weight 0"});
-  EXPECT_EQ(h.viasOf("127.0.0.0/9"), Set{"2: nextHop 10.0.0.1 intf  weight 0"});
-  EXPECT_EQ(h.routePref("127.0.0.0/9")->fibRouteType(), 7);
+  EXPECT_EQ(h.viasOf(net(8)), null0);
+  EXPECT_EQ(h.routePref(net(8))->fibRouteType(), 29);
+  EXPECT_EQ(h.viasOf(net(9)), null0Indication);
+  EXPECT_EQ(h.routePref(net(9))->fecType(), 9);
+  EXPECT_EQ(h.routePref(net(9))->fibRouteType(), 40);
+  EXPECT_EQ(h.viasOf(f.toCpu()), cpu);
+  EXPECT_EQ(h.viasOf(f.nearToCpu()), Set{nh(1)});
+  EXPECT_EQ(h.routePref(f.nearToCpu())->fibRouteType(), 7);
 
   // Vias configured on the live routes change nothing either.
-  for (char const* prefix : {"8.0.0.0/8", "9.0.0.0/8", "127.0.0.0/8"})
-    h.config->route(routeKey(prefix))->viaIs(StaticRouteHarness::via("10.0.0.2"), {});
+  for (auto const& prefix : {net(8), net(9), f.toCpu()}) h.config->route(routeKey(prefix))->viaIs(via(2), {});
   runToIdle();
-  EXPECT_EQ(h.viasOf("8.0.0.0/8"), Set{"4: nextHop  intf Null0 weight 0"});
-  EXPECT_EQ(h.viasOf("9.0.0.0/8"), Set{"4: nextHop  intf Null0 flags 0x20 weight 0"});
-  EXPECT_EQ(h.viasOf("127.0.0.0/8"), Set{"4: nextHop  intf  flags 0x40 weight 0"});
+  EXPECT_EQ(h.viasOf(net(8)), null0);
+  EXPECT_EQ(h.viasOf(net(9)), null0Indication);
+  EXPECT_EQ(h.viasOf(f.toCpu()), cpu);
 }
 
-TEST_F(RouteConfigSmTest, InterfaceHostPrefixAndLabelRules) {
+TEST_P(RouteConfigSmTest, InterfaceHostPrefixAndLabelRules) {
   h.intfIs("Ethernet1");
   h.mpls->mplsRoutingIs(false);
   auto intfOnly = StaticRouteHarness::via("", "Ethernet1");
-  h.routeIs(*h.config, "10.0.0.1/32")->viaIs(intfOnly, {});
-  h.routeIs(*h.config, "10.0.0.0/24")->viaIs(intfOnly, {});
-  h.routeIs(*h.config, "10.0.1.1/32")->viaIs(StaticRouteHarness::via("10.9.9.9", "Ethernet1"), {});
-  auto missing = StaticRouteHarness::via("10.0.0.2", "Ethernet2");
-  h.routeIs(*h.config, "20.0.0.0/8")->viaIs(missing, {});
-  auto labelled = StaticRouteHarness::via("10.0.0.3");
+  h.routeIs(*h.config, f.host(1))->viaIs(intfOnly, {});
+  h.routeIs(*h.config, net(10))->viaIs(intfOnly, {});
+  h.routeIs(*h.config, f.host(4))->viaIs(via(9, "Ethernet1"), {});
+  h.routeIs(*h.config, net(11))->viaIs(via(2, "Ethernet2"), {});
+  auto labelled = via(3);
   labelled.mplsLabelIs(Ondex::MplsLabel(16));
-  h.routeIs(*h.config, "30.0.0.0/8")->viaIs(labelled, {});
+  h.routeIs(*h.config, net(12))->viaIs(labelled, {});
   start();
-  EXPECT_EQ(h.viasOf("10.0.0.1/32"), Set{"1: nextHop 10.0.0.1 intf Ethernet1 flags 0x100 weight 0"});
-  EXPECT_EQ(h.viasOf("10.0.0.0/24"), Set{"3: nextHop  intf Ethernet1 weight 0"});
-  EXPECT_EQ(h.viasOf("10.0.1.1/32"), Set{"1: nextHop 10.9.9.9 intf Ethernet1 weight 0"});
-  EXPECT_EQ(h.viasOf("20.0.0.0/8"), Set{}) << "interface missing";
-  EXPECT_EQ(h.prefsOf("20.0.0.0/8"), std::vector<unsigned>{1}) << "the preference stays, without vias";
-  EXPECT_EQ(h.viasOf("30.0.0.0/8"), Set{}) << "label with MPLS routing off";
+  EXPECT_EQ(h.viasOf(f.host(1)), Set{viaText(1, f.hop(1), "Ethernet1", " flags 0x100 weight 0")})
+      << "step 1: the host prefix is the next hop";
+  EXPECT_EQ(h.viasOf(net(10)), Set{viaText(3, "", "Ethernet1")}) << "step 1";
+  EXPECT_EQ(h.viasOf(f.host(4)), Set{viaText(1, f.hop(9), "Ethernet1")}) << "step 1";
+  EXPECT_EQ(h.viasOf(net(11)), Set{}) << "step 1: interface missing";
+  EXPECT_EQ(h.prefsOf(net(11)), Prefs{1}) << "step 1: the preference stays, without vias";
+  EXPECT_EQ(h.viasOf(net(12)), Set{}) << "step 1: label with MPLS routing off";
 
   h.intfIs("Ethernet2");
   h.mpls->mplsRoutingIs(true);
   runToIdle();
-  EXPECT_EQ(h.viasOf("20.0.0.0/8"), Set{"1: nextHop 10.0.0.2 intf Ethernet2 weight 0"});
-  EXPECT_EQ(h.viasOf("30.0.0.0/8"), Set{"2: nextHop 10.0.0.3 intf  label 16 weight 0"});
+  EXPECT_EQ(h.viasOf(net(11)), Set{viaText(1, f.hop(2), "Ethernet2")}) << "step 2";
+  EXPECT_EQ(h.viasOf(net(12)), Set{nh(3, " label 16 weight 0")}) << "step 2";
+
+  h.intfIs("Ethernet2", false);
+  runToIdle();
+  EXPECT_EQ(h.viasOf(net(11)), Set{}) << "step 3: interface down";
+  h.intfIs("Ethernet2");
+  runToIdle();
+  EXPECT_EQ(h.viasOf(net(11)), Set{viaText(1, f.hop(2), "Ethernet2")}) << "step 3";
 
   h.intfDel("Ethernet2");
   h.mpls->mplsRoutingIs(false);
   runToIdle();
-  EXPECT_EQ(h.viasOf("20.0.0.0/8"), Set{});
-  EXPECT_EQ(h.viasOf("30.0.0.0/8"), Set{});
+  EXPECT_EQ(h.viasOf(net(11)), Set{}) << "step 4";
+  EXPECT_EQ(h.viasOf(net(12)), Set{}) << "step 4";
 }
 
-TEST_F(RouteConfigSmTest, EcmpStateChangeRegroupsEveryViaThroughTheWalk) {
+// Static routes and dynamic routes (one under a static route of its key) with a via of each type;
+// the ECMP grouping changes, through the via walk, and changes again during a walk.
+TEST_P(RouteConfigSmTest, EcmpStateChangeRegroupsEveryViaThroughTheWalk) {
+  itemsPerRun = 2;
+  scheduler()->yieldPolicyIs(Halyard::YieldPolicy::afterItemsOf(itemsPerRun));
   h.intfIs("Ethernet1");
-  for (int i = 0; i < 9; ++i) {
-    std::string p = "40.0." + std::to_string(i) + ".0/24";
-    auto route = h.routeIs(*h.config, p.c_str());
-    route->viaIs(StaticRouteHarness::via("10.0.0.1"), {});
-    route->viaIs(StaticRouteHarness::via("10.0.0.2", "Ethernet1"), {});
+  std::vector<std::string> grouped;  // the prefixes whose vias are regrouped
+  for (unsigned i = 0; i < 9; ++i) {
+    auto const p = net(i);
+    auto route = h.routeIs(i < 6 ? *h.config : *h.dynamic, p);
+    route->viaIs(via(1), {});
+    route->viaIs(via(2, "Ethernet1"), {});
+    grouped.push_back(p);
   }
+  h.routeIs(*h.dynamic, net(0))->viaIs(via(3), {});  // shadowed by the static route
+  h.routeIs(*h.config, net(9))->viaIs(via(3), {});
   start();
-  Set const byType{"1: nextHop 10.0.0.2 intf Ethernet1 weight 0", "2: nextHop 10.0.0.1 intf  weight 0"};
-  Set const single{"4: nextHop 10.0.0.1 intf  weight 0", "4: nextHop 10.0.0.2 intf Ethernet1 weight 0"};
-  EXPECT_EQ(h.viasOf("40.0.3.0/24"), byType);
+  Set const byType{viaText(1, f.hop(2), "Ethernet1"), nh(1)};
+  Set const single{nh(1, " weight 0", 4), viaText(4, f.hop(2), "Ethernet1")};
+  EXPECT_EQ(h.viasOf(net(7)), byType) << "step 1";
 
-  h.general->staticRouteEcmpStateIs(Routing::General::StaticRouteEcmpState::singleGroup);
-  EXPECT_TRUE(h.sm->ecmpStateChanged());
+  h.general->staticRouteEcmpStateIs(StaticRouteEcmpState::singleGroup);
+  EXPECT_TRUE(h.sm->ecmpStateChanged()) << "step 2";
   runToIdle();
-  EXPECT_FALSE(h.sm->ecmpStateChanged());
-  EXPECT_GT(h.sm->viaReevaluateWalkSm()->walkTask()->taskRuns(), 1u) << "the walk yielded";
-  for (int i = 0; i < 9; ++i) {
-    std::string p = "40.0." + std::to_string(i) + ".0/24";
-    EXPECT_EQ(h.viasOf(p.c_str()), single) << p;
-  }
+  EXPECT_FALSE(h.sm->ecmpStateChanged()) << "step 2";
+  EXPECT_GT(h.sm->viaReevaluateWalkSm()->walkTask()->taskRuns(), 1u) << "step 2: the walk yielded";
+  for (auto const& p : grouped) EXPECT_EQ(h.viasOf(p), single) << "step 2, " << p;
+  EXPECT_EQ(h.viasOf(net(9)), Set{nh(3, " weight 0", 4)}) << "step 2";
 
-  // A second change during a walk starts it over; the flag stays until the walk ends.
-  h.general->staticRouteEcmpStateIs(Routing::General::StaticRouteEcmpState::groupByViaType);
+  // 3. A second change during a walk starts it over; the flag stays until the walk ends.
+  h.general->staticRouteEcmpStateIs(StaticRouteEcmpState::groupByViaType);
   scheduler()->runOnce();
-  h.general->staticRouteEcmpStateIs(Routing::General::StaticRouteEcmpState::singleGroup);
-  h.general->staticRouteEcmpStateIs(Routing::General::StaticRouteEcmpState::groupByViaType);
-  EXPECT_TRUE(h.sm->ecmpStateChanged());
+  h.general->staticRouteEcmpStateIs(StaticRouteEcmpState::singleGroup);
+  h.general->staticRouteEcmpStateIs(StaticRouteEcmpState::groupByViaType);
+  EXPECT_TRUE(h.sm->ecmpStateChanged()) << "step 3";
   runToIdle();
-  EXPECT_FALSE(h.sm->ecmpStateChanged());
-  for (int i = 0; i < 9; ++i) {
-    std::string p = "40.0." + std::to_string(i) + ".0/24";
-    EXPECT_EQ(h.viasOf(p.c_str()), byType) << p;
-  }
-  EXPECT_EQ(h.ipViaConfig->viaSize(), 2u) << "the vias are shared by all routes";
+  EXPECT_FALSE(h.sm->ecmpStateChanged()) << "step 3";
+  for (auto const& p : grouped) EXPECT_EQ(h.viasOf(p), byType) << "step 3, " << p;
+  EXPECT_EQ(h.viasOf(net(9)), Set{nh(3)}) << "step 3";
+  EXPECT_EQ(h.ipViaConfig->viaSize(), 3u) << "step 3: the vias are shared by all routes";
 }
 
-TEST_F(RouteConfigSmTest, ResolutionProfileChangeRehandlesDefaultViasOnly) {
-  auto hop = StaticRouteHarness::via("10.0.0.1");
-  h.routeIs(*h.config, "100.0.0.0/8")->viaIs(hop, {});
-  auto own = h.routeIs(*h.config, "101.0.0.0/8");
-  own->viaIs(hop, {});
+TEST_P(RouteConfigSmTest, ResolutionProfileChangeRehandlesDefaultViasOnly) {
+  h.routeIs(*h.config, net(13))->viaIs(via(1), {});
+  auto own = h.routeIs(*h.config, net(14));
+  own->viaIs(via(1), {});
   Routing::Rib::ResolutionRibProfileConfig connected;
   connected.methodAppend(Routing::Rib::ResolutionMethod::systemConnected());
-  own->viaResRibProfileConfigIs(hop, connected);
+  own->viaResRibProfileConfigIs(via(1), connected);
   start();
-  EXPECT_EQ(h.viasOf("100.0.0.0/8"), Set{"2: nextHop 10.0.0.1 intf  weight 0"});
-  EXPECT_EQ(h.viasOf("101.0.0.0/8"), Set{"2: nextHop 10.0.0.1 intf  weight 0 profile [system-connected]"});
+  EXPECT_EQ(h.viasOf(net(13)), Set{nh(1)});
+  EXPECT_EQ(h.viasOf(net(14)), Set{nh(1, " weight 0 profile [system-connected]")});
 
   Routing::Rib::ResolutionRibProfile tunnels;
   tunnels.methodAppend(Routing::Rib::ResolutionMethod::tunnelRib("gold"));
   tunnels.methodAppend(Routing::Rib::ResolutionMethod::systemUnicastRib());
   h.resRib->resRibProfileIs(tunnels);
   runToIdle();
-  EXPECT_EQ(h.viasOf("100.0.0.0/8"), (Set{"2: nextHop 10.0.0.1 intf  weight 0",
-                                          "2: nextHop 10.0.0.1 intf  weight 0 profile [tunnel-rib gold, "
-                                          "system-unicast-rib]"}))
+  EXPECT_EQ(h.viasOf(net(13)), (Set{nh(1), nh(1, " weight 0 profile [tunnel-rib gold, system-unicast-rib]")}))
       << "re-handled without clearing: the former via stays until its route is reviewed";
-  EXPECT_EQ(h.viasOf("101.0.0.0/8"), Set{"2: nextHop 10.0.0.1 intf  weight 0 profile [system-connected]"});
-
-  // An IPv6 route through an IPv4 next hop goes to the other family's table, with its label and
-  // the tunnel RIBs of the container profile.
-  StaticRouteHarness v6(Ondex::AddressFamily::ipv6);
-  v6.auxIpViaConfig = Routing::Rib::Ip::ViaConfig::ViaConfigIs(Routing::Rib::RoutingProtocol::staticConfig(),
-                                                               Routing::Rib::Transport::transportIpv4());
-  auto mapped = StaticRouteHarness::via("10.0.0.7");
-  mapped.mplsLabelIs(Ondex::MplsLabel(100));
-  v6.mpls->mplsRoutingIs(true);
-  v6.routeIs(*v6.config, "2001:db8::/32")->viaIs(mapped, {});
-  v6.start(scheduler());
-  runToIdle();
-  EXPECT_EQ(v6.viasOf("2001:db8::/32"),
-            Set{"2: nextHop 10.0.0.7 intf  label 100 weight 0 profile [tunnel-rib system-colored-tunnel-rib, "
-                "tunnel-rib system-tunnel-rib]"});
-  EXPECT_EQ(v6.auxIpViaConfig->viaSize(), 1u);
-  EXPECT_EQ(v6.ipViaConfig->viaSize(), 0u);
+  EXPECT_EQ(h.viasOf(net(14)), Set{nh(1, " weight 0 profile [system-connected]")});
 }
 
 // Records the smallest number of vias a preference had at any change.
@@ -387,113 +388,111 @@ class ViaCountWatch : public Zel::Notifiee<Routing::Protocol::DedupViaKeyByViaTy
   std::size_t least = 99;
 };
 
-TEST_F(RouteConfigSmTest, WeightChangeReplacesTheViaWithoutAGap) {
-  auto hop = StaticRouteHarness::via("10.0.0.1");
-  auto route = h.routeIs(*h.config, "50.0.0.0/8");
-  route->viaIs(hop, RouteViaAttr(0, 10));
+TEST_P(RouteConfigSmTest, WeightChangeReplacesTheViaWithoutAGap) {
+  auto route = h.routeIs(*h.config, net(15));
+  route->viaIs(via(1), RouteViaAttr(0, 10));
   start();
-  EXPECT_EQ(h.viasOf("50.0.0.0/8"), Set{"2: nextHop 10.0.0.1 intf  weight 10"});
+  EXPECT_EQ(h.viasOf(net(15)), Set{nh(1, " weight 10")});
   auto watch = Zel::make<ViaCountWatch>();
-  watch->notifierIs(h.routePref("50.0.0.0/8")->dedupViaKeyByViaType(Routing::Protocol::viaNextHopOnly));
-  route->viaIs(hop, RouteViaAttr(0, 20));
+  watch->notifierIs(h.routePref(net(15))->dedupViaKeyByViaType(Routing::Protocol::viaNextHopOnly));
+  route->viaIs(via(1), RouteViaAttr(0, 20));
   runToIdle();
-  EXPECT_EQ(h.viasOf("50.0.0.0/8"), Set{"2: nextHop 10.0.0.1 intf  weight 20"});
+  EXPECT_EQ(h.viasOf(net(15)), Set{nh(1, " weight 20")});
   EXPECT_EQ(watch->least, 1u) << "the route never had no via";
   EXPECT_EQ(h.ipViaConfig->viaSize(), 1u) << "the former via left the table";
 }
 
-TEST_F(RouteConfigSmTest, BfdTrackedViaWithAnotherLocalAddressIsKept) {
-  auto tracked = StaticRouteHarness::via("10.0.0.1");
-  tracked.localAddrIs(addr("10.0.0.100"));
-  auto route = h.routeIs(*h.config, "60.0.0.0/8");
+TEST_P(RouteConfigSmTest, BfdTrackedViaWithAnotherLocalAddressIsKept) {
+  auto tracked = via(1);
+  tracked.localAddrIs(addr(f.hop(100)));
+  auto route = h.routeIs(*h.config, net(16));
   route->viaIs(tracked, {});
   route->bfdTrackedIs(tracked);
   start();
-  auto pref = h.routePref("60.0.0.0/8");
+  auto pref = h.routePref(net(16));
   ASSERT_EQ(pref->bfdTrackedViaCollSize(), 1u);
-  EXPECT_EQ(pref->bfdTrackedViaCollIteratorConst().value(), addr("10.0.0.100"));
+  EXPECT_EQ(pref->bfdTrackedViaCollIteratorConst().value(), addr(f.hop(100)));
 
   // The same next hop tracked under a second local address replaces the tracking; deleting the
   // first configuration then finds the other address and keeps the via.
-  auto second = StaticRouteHarness::via("10.0.0.1");
-  second.localAddrIs(addr("10.0.0.200"));
+  auto second = via(1);
+  second.localAddrIs(addr(f.hop(200)));
   route->viaIs(second, {});
   route->bfdTrackedIs(second);
   runToIdle();
-  EXPECT_EQ(pref->bfdTrackedViaCollIteratorConst().value(), addr("10.0.0.200"));
+  EXPECT_EQ(pref->bfdTrackedViaCollIteratorConst().value(), addr(f.hop(200)));
   route->bfdTrackedDel(tracked);
   route->viaDel(tracked);
   runToIdle();
-  EXPECT_EQ(h.viasOf("60.0.0.0/8"), Set{"2: nextHop 10.0.0.1 intf  weight 0"});
+  EXPECT_EQ(h.viasOf(net(16)), Set{nh(1)});
   route->bfdTrackedDel(second);
   route->viaDel(second);
   runToIdle();
-  EXPECT_EQ(h.viasOf("60.0.0.0/8"), Set{});
+  EXPECT_EQ(h.viasOf(net(16)), Set{});
   EXPECT_EQ(pref->bfdTrackedViaCollSize(), 0u);
 }
 
-TEST_F(RouteConfigSmTest, EgressVrfUnknownCreatedDeletedAndRenumbered) {
-  auto red = Ip::VrfIpIntfStatus::VrfIpIntfStatusIs();
-  red->ipIntfStatusIs(Ondex::IntfId("Ethernet5"))->dpRoutingEnabledIs(true);
-  auto via = StaticRouteHarness::via("10.5.0.1", "Ethernet5");
-  via.egressVrfIs("red");
-  h.routeIs(*h.config, "70.0.0.0/8")->viaIs(via, {});
+TEST_P(RouteConfigSmTest, EgressVrfUnknownCreatedDeletedAndRenumbered) {
+  auto const p = net(17);
+  auto egressVia = via(5, "Ethernet5");
+  egressVia.egressVrfIs("red");
+  h.routeIs(*h.config, p)->viaIs(egressVia, {});
   start();
-  EXPECT_EQ(h.viasOf("70.0.0.0/8"), Set{});
-  EXPECT_TRUE(h.sm->interVrfRoutes().unresolved()->interVrfRouteConfigHas("red"));
+  auto const& routes = h.sm->interVrfRoutes();
   Routing::Protocol::ContainerKey const redKey("red", h.af);
-  EXPECT_TRUE(h.egress->registeredClientsHas(redKey));
+  EXPECT_EQ(h.viasOf(p), Set{}) << "step 1";
+  EXPECT_TRUE(routes.unresolved()->interVrfRouteConfigHas("red")) << "step 1";
+  EXPECT_TRUE(h.egress->registeredClientsHas(redKey)) << "step 1";
 
-  // The VRF gets an id; its interface table is still missing, so the interface is not there.
+  // 2. The VRF gets an id; its interface table is still missing, so the interface is not there.
   h.nameMap->vrfNameToIdIs("red", 5);
   runToIdle();
-  EXPECT_TRUE(h.sm->interVrfRoutes().resolved()->interVrfRouteConfigHas("red"));
-  EXPECT_FALSE(h.sm->interVrfRoutes().unresolved()->interVrfRouteConfigHas("red"));
-  EXPECT_EQ(h.viasOf("70.0.0.0/8"), Set{});
+  EXPECT_TRUE(routes.resolved()->interVrfRouteConfigHas("red")) << "step 2";
+  EXPECT_FALSE(routes.unresolved()->interVrfRouteConfigHas("red")) << "step 2";
+  EXPECT_EQ(h.viasOf(p), Set{}) << "step 2";
 
-  // Its interfaces appear: a helper watches them and the route is reviewed.
-  h.ipStatus->vrfIpIntfStatusIs("red", red);
+  // 3. Its interfaces appear: a helper watches them and the route is reviewed.
+  h.vrfIntfIs("red", "Ethernet5");
   runToIdle();
-  EXPECT_TRUE(h.egress->egressVrfIntfStatusHelperSmHas(redKey));
-  EXPECT_EQ(h.viasOf("70.0.0.0/8"), Set{"1: nextHop 10.5.0.1 intf Ethernet5 weight 0 vrf 5"});
+  EXPECT_TRUE(h.egress->egressVrfIntfStatusHelperSmHas(redKey)) << "step 3";
+  EXPECT_EQ(h.viasOf(p), Set{viaText(1, f.hop(5), "Ethernet5", " weight 0 vrf 5")}) << "step 3";
 
-  // Renumbered: the via of the old id goes, one of the new id comes, in one event.
+  // 4. Renumbered: the via of the old id goes, one of the new id comes, in one event.
   h.nameMap->vrfNameToIdIs("red", 6);
   runToIdle();
-  EXPECT_EQ(h.viasOf("70.0.0.0/8"), Set{"1: nextHop 10.5.0.1 intf Ethernet5 weight 0 vrf 6"});
-  EXPECT_EQ(h.sm->interVrfRoutes().resolved()->interVrfRouteConfig("red")->vrfId(), Vrf::VrfIdMap::VrfId(6));
+  EXPECT_EQ(h.viasOf(p), Set{viaText(1, f.hop(5), "Ethernet5", " weight 0 vrf 6")}) << "step 4";
+  EXPECT_EQ(routes.resolved()->interVrfRouteConfig("red")->vrfId(), Vrf::VrfIdMap::VrfId(6)) << "step 4";
 
-  // Deleted: back to unresolved, no via.
+  // 5. Deleted: back to unresolved, no via.
   h.nameMap->vrfNameToIdDel("red");
   runToIdle();
-  EXPECT_EQ(h.viasOf("70.0.0.0/8"), Set{});
-  EXPECT_TRUE(h.sm->interVrfRoutes().unresolved()->interVrfRouteConfigHas("red"));
-  EXPECT_FALSE(h.sm->interVrfRoutes().resolved()->interVrfRouteConfigHas("red"));
+  EXPECT_EQ(h.viasOf(p), Set{}) << "step 5";
+  EXPECT_TRUE(routes.unresolved()->interVrfRouteConfigHas("red")) << "step 5";
+  EXPECT_FALSE(routes.resolved()->interVrfRouteConfigHas("red")) << "step 5";
 
-  // The route goes: the indexes and the registration go with it.
-  h.config->routeDel(routeKey("70.0.0.0/8"));
+  // 6. The route goes: the indexes and the registration go with it.
+  h.config->routeDel(routeKey(p));
   runToIdle();
-  EXPECT_FALSE(h.sm->interVrfRoutes().unresolved()->interVrfRouteConfigHas("red"));
-  EXPECT_FALSE(h.egress->registeredClientsHas(redKey));
-  EXPECT_FALSE(h.egress->egressVrfIntfStatusHelperSmHas(redKey));
-  EXPECT_EQ(h.ipViaConfig->viaSize(), 0u);
+  EXPECT_FALSE(routes.unresolved()->interVrfRouteConfigHas("red")) << "step 6";
+  EXPECT_FALSE(h.egress->registeredClientsHas(redKey)) << "step 6";
+  EXPECT_FALSE(h.egress->egressVrfIntfStatusHelperSmHas(redKey)) << "step 6";
+  EXPECT_EQ(h.ipViaConfig->viaSize(), 0u) << "step 6";
 }
 
-TEST_F(RouteConfigSmTest, TeardownReleasesEverything) {
+TEST_P(RouteConfigSmTest, TeardownReleasesEverything) {
   auto const live = liveSinceStart();
   {
-    StaticRouteHarness local;
+    StaticRouteHarness local(f.af);
     local.intfIs("Ethernet1");
-    auto via = StaticRouteHarness::via("10.0.0.1", "Ethernet1");
-    auto egressVia = StaticRouteHarness::via("10.0.0.2");
+    auto onIntf = via(1, "Ethernet1");
+    auto egressVia = via(2);
     egressVia.egressVrfIs("blue");
-    for (int i = 0; i < 10; ++i) {
-      std::string p = "80.0." + std::to_string(i) + ".0/24";
-      auto route = local.routeIs(*local.config, p.c_str());
-      route->viaIs(via, RouteViaAttr(1, 1));
+    for (unsigned i = 0; i < 10; ++i) {
+      auto route = local.routeIs(*local.config, net(i));
+      route->viaIs(onIntf, RouteViaAttr(1, 1));
       route->viaIs(egressVia, {});
-      route->bfdTrackedIs(via);
-      local.routeIs(*local.dynamic, p.c_str());
+      route->bfdTrackedIs(onIntf);
+      local.routeIs(*local.dynamic, net(i));
     }
     local.start(scheduler());
     runToIdle();
@@ -510,161 +509,28 @@ TEST_F(RouteConfigSmTest, TeardownReleasesEverything) {
   EXPECT_EQ(liveSinceStart(), live);
 }
 
-// Route input: two users of one key. The users' collection walks names in its hash order, so the
-// names are chosen to stand in that order the other way round from their byte order: a winner taken
-// from the walk would be the wrong one.
-class RouteInputUsersTest : public RouteConfigSmTest {
- protected:
-  void SetUp() override {
-    RouteConfigSmTest::SetUp();
-    h.configByUser = Routing::Input::ConfigByUser::ConfigByUserIs();
-    h.configTagStatus = ConfigTag::ConfigTagStatus::ConfigTagStatusIs();
-    h.configTagIdState = ConfigTag::ConfigTagIdState::ConfigTagIdStateIs();
-    h.configTagIdState->tagIdToTagStrIs(3, "maint");
-    h.configTagStatus->configTagEntryIs("maint")->operStateIs(1);
-    auto const& coll = h.configByUser->configColl();
-    for (int i = 0; i < 64 && first.empty(); ++i) {
-      Quill::String const a("user" + std::to_string(i));
-      Quill::String const b("user" + std::to_string(i + 1));
-      if (coll.orderLess(b, a)) first = a, second = b;
-    }
-    ASSERT_FALSE(first.empty());
-  }
-  Quill::Ptr<Routing::RouteInput> userIs(Quill::String const& name, char const* hop, unsigned pref = 1) {
-    auto& list = lists[name.str()];
-    if (!list) list = Routing::RouteInput::RouteInputIs(name);
-    list->routingProtoIs(16);
-    list->routeIs(routeKey("90.0.0.0/8", pref), RouteType::forward)->viaIs(StaticRouteHarness::via(hop), {});
-    h.configByUser->configIs(list);
-    return list;
-  }
-  static Set one(char const* hop) { return Set{std::string("4: nextHop ") + hop + " intf  weight 0"}; }
+INSTANTIATE_TEST_SUITE_P(Families, RouteConfigSmTest, ::testing::Values(kIpv4, kIpv6), familyName);
 
-  std::map<std::string, Quill::Ptr<Routing::RouteInput>> lists;  // the writable side of each user's list
-  Quill::String first;                                            // sorts first by name, walked second
-  Quill::String second;
-};
+// An IPv6 route through an IPv4 next hop goes to the other family's table, with its label and the
+// tunnel RIBs of the container profile.
+class RouteConfigSmMixedFamilyTest : public RuntimeFixture {};
 
-TEST_F(RouteInputUsersTest, TheUserWhoseNameSortsFirstWinsInEitherOrderOfArrival) {
-  for (bool firstComesFirst : {true, false}) {
-    SCOPED_TRACE(firstComesFirst ? "first user's list made first" : "second user's list made first");
-    h.configByUser->configDelAll();
-    lists.clear();
-    h.stop();
-    runToIdle();
-    // 1. Both lists are there when the machine starts; the second user has one more preference.
-    if (firstComesFirst) userIs(first, "10.0.0.1");
-    userIs(second, "10.0.0.2");
-    userIs(second, "10.0.0.7", 7);
-    if (!firstComesFirst) userIs(first, "10.0.0.1");
-    h.start(scheduler(), Routing::Rib::RoutingProtocol::routeInput());
-    runToIdle();
-    EXPECT_EQ(h.prefsOf("90.0.0.0/8"), (std::vector<unsigned>{1, 7})) << "step 1";
-    EXPECT_EQ(h.viasOf("90.0.0.0/8"), one("10.0.0.1")) << "step 1";
-
-    // 2. A via of the losing route changes: the store does not follow it.
-    userIs(second, "10.0.0.3");
-    runToIdle();
-    EXPECT_EQ(h.viasOf("90.0.0.0/8"), one("10.0.0.1")) << "step 2";
-
-    // 3. The winner's route is disabled by its tag, then enabled: each time the key passes whole.
-    lists[first.str()]->route(routeKey("90.0.0.0/8"))->commandTagIdIs(3);
-    h.configTagStatus->configTagEntry("maint")->operStateIs(2);
-    h.sm->handleRoute(routeKey("90.0.0.0/8"));
-    runToIdle();
-    EXPECT_EQ(h.viasOf("90.0.0.0/8"), (Set{"4: nextHop 10.0.0.2 intf  weight 0", "4: nextHop 10.0.0.3 intf  weight 0"}))
-        << "step 3";
-    h.configTagStatus->configTagEntry("maint")->operStateIs(1);
-    h.sm->handleRoute(routeKey("90.0.0.0/8"));
-    runToIdle();
-    EXPECT_EQ(h.viasOf("90.0.0.0/8"), one("10.0.0.1")) << "step 3";
-    EXPECT_EQ(h.routePref("90.0.0.0/8")->fibRouteType(), 35);
-
-    // 4. A user of a name that sorts before both arrives, then the martian list: each takes over.
-    userIs("aaa", "10.0.0.4");
-    runToIdle();
-    EXPECT_EQ(h.viasOf("90.0.0.0/8"), one("10.0.0.4")) << "step 4";
-    auto martian = Routing::RouteInput::RouteInputIs(Routing::Input::kMartianUser);
-    martian->routingProtoIs(60);
-    martian->routeIs(routeKey("90.0.0.0/8"), RouteType::drop);
-    h.configByUser->configIs(martian);
-    runToIdle();
-    EXPECT_EQ(h.viasOf("90.0.0.0/8").size(), 1u) << "step 4";
-    EXPECT_NE(h.viasOf("90.0.0.0/8").begin()->find("Null0"), std::string::npos) << "step 4";
-    EXPECT_EQ(h.routePref("90.0.0.0/8")->fibRouteType(), 36) << "step 4";
-
-    // 5. Lists go one by one, in the order that leaves each winner in turn.
-    h.configByUser->configDel(Routing::Input::kMartianUser);
-    h.configByUser->configDel("aaa");
-    runToIdle();
-    EXPECT_EQ(h.viasOf("90.0.0.0/8"), one("10.0.0.1")) << "step 5";
-    h.configByUser->configDel(first);
-    runToIdle();
-    EXPECT_EQ(h.viasOf("90.0.0.0/8"), (Set{"4: nextHop 10.0.0.2 intf  weight 0", "4: nextHop 10.0.0.3 intf  weight 0"}))
-        << "step 5";
-    h.configByUser->configDel(second);
-    runToIdle();
-    EXPECT_EQ(h.status->route(pfx("90.0.0.0/8")), nullptr) << "step 5";
-  }
-}
-
-TEST_F(RouteInputUsersTest, AKeyPassingBetweenUsersRouteByRouteLeavesNothingBehind) {
-  h.start(scheduler(), Routing::Rib::RoutingProtocol::routeInput());
+TEST_F(RouteConfigSmMixedFamilyTest, AnIpv6RouteThroughAnIpv4NextHopUsesTheIpv4ViaTable) {
+  StaticRouteHarness v6(Ondex::AddressFamily::ipv6);
+  v6.auxIpViaConfig = Routing::Rib::Ip::ViaConfig::ViaConfigIs(Routing::Rib::RoutingProtocol::staticConfig(),
+                                                               Routing::Rib::Transport::transportIpv4());
+  auto mapped = StaticRouteHarness::via(kIpv4.hop(7));
+  mapped.mplsLabelIs(Ondex::MplsLabel(100));
+  v6.mpls->mplsRoutingIs(true);
+  v6.routeIs(*v6.config, kIpv6.net(0))->viaIs(mapped, {});
+  v6.start(scheduler());
   runToIdle();
-  // The loser's route comes first and is entered; the winner's takes the key from it.
-  auto losing = userIs(second, "10.0.0.2");
-  runToIdle();
-  EXPECT_EQ(h.viasOf("90.0.0.0/8"), one("10.0.0.2"));
-  auto winning = userIs(first, "10.0.0.1");
-  runToIdle();
-  EXPECT_EQ(h.viasOf("90.0.0.0/8"), one("10.0.0.1"));
-  // The loser's route is replaced and removed: the winner's entry stays as it is.
-  losing->routeDel(routeKey("90.0.0.0/8"));
-  userIs(second, "10.0.0.5");
-  losing->routeDel(routeKey("90.0.0.0/8"));
-  runToIdle();
-  EXPECT_EQ(h.viasOf("90.0.0.0/8"), one("10.0.0.1"));
-  // The winner's route is replaced by another of the key: only the new route's vias.
-  winning->routeDel(routeKey("90.0.0.0/8"));
-  userIs(first, "10.0.0.6");
-  runToIdle();
-  EXPECT_EQ(h.viasOf("90.0.0.0/8"), one("10.0.0.6"));
-  EXPECT_EQ(h.ipViaConfig->viaSize(), 1u) << "no via of a former route is held";
-}
-
-TEST_F(RouteConfigSmTest, CommandTagTakesItsRoutesOutAndBringsThemBack) {
-  h.configTagStatus = ConfigTag::ConfigTagStatus::ConfigTagStatusIs();
-  h.configTagIdState = ConfigTag::ConfigTagIdState::ConfigTagIdStateIs();
-  h.configTagStatus->configTagEntryIs("maint")->operStateIs(1);
-  auto keys = Routing::RouteKeySet::RouteKeySetIs("maint");
-  keys->routeKeySetIs(routeKey("110.0.0.0/8"));
-  auto index = Routing::RouteListTaggedConfig::RouteListTaggedConfigIs(h.vrfName);
-  index->tagToRouteKeySetIs("maint", keys);
-  h.tagged = Routing::VrfRouteListTaggedConfig::VrfRouteListTaggedConfigIs();
-  h.tagged->vrfConfigIs(h.vrfName, index);
-  auto route = h.routeIs(*h.config, "110.0.0.0/8");
-  route->viaIs(StaticRouteHarness::via("10.0.0.1"), {});
-  route->commandTagIdIs(3);
-  h.routeIs(*h.dynamic, "110.0.0.0/8")->viaIs(StaticRouteHarness::via("10.0.0.2"), {});
-  start();
-  EXPECT_EQ(h.viasOf("110.0.0.0/8"), Set{"2: nextHop 10.0.0.1 intf  weight 0"}) << "the id has no name yet: enabled";
-
-  h.configTagIdState->tagIdToTagStrIs(3, "maint");
-  h.configTagStatus->configTagEntry("maint")->operStateIs(2);
-  runToIdle();
-  EXPECT_EQ(h.status->route(pfx("110.0.0.0/8")), nullptr) << "disabled: out, and the dynamic twin stays shadowed";
-  h.configTagStatus->configTagEntry("maint")->operStateIs(3);
-  runToIdle();
-  EXPECT_EQ(h.viasOf("110.0.0.0/8"), Set{"2: nextHop 10.0.0.1 intf  weight 0"});
-  h.configTagStatus->configTagEntry("maint")->operStateIs(0);
-  runToIdle();
-  EXPECT_EQ(h.status->route(pfx("110.0.0.0/8")), nullptr);
-
-  // The VRF's index goes: its routes are reviewed once more, and the machine with it.
-  h.tagged->vrfConfigDel(h.vrfName);
-  EXPECT_FALSE(h.sm->taggedRouteConfigSm());
-  EXPECT_EQ(h.sm->backlogSize(), 1u);
-  runToIdle();
+  EXPECT_EQ(v6.viasOf(kIpv6.net(0)),
+            Set{viaText(2, kIpv4.hop(7), "",
+                        " label 100 weight 0 profile [tunnel-rib system-colored-tunnel-rib, tunnel-rib "
+                        "system-tunnel-rib]")});
+  EXPECT_EQ(v6.auxIpViaConfig->viaSize(), 1u);
+  EXPECT_EQ(v6.ipViaConfig->viaSize(), 0u);
 }
 
 }  // namespace

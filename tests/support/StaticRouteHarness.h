@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+#include <gtest/gtest.h>
+
 #include "foundations/records/AllVrfReadyStatus.h"
 #include "foundations/records/IpIntfStatus.h"
 #include "foundations/runtime/TaskScheduler.h"
@@ -18,9 +20,9 @@
 
 namespace BowlineTest {
 
-inline Ondex::IpGenAddr addr(char const* text) { return *Ondex::IpGenAddr::fromString(text); }
-inline Ondex::IpGenPrefix pfx(char const* text) { return *Ondex::IpGenPrefix::fromString(text); }
-inline Routing::RouteKey routeKey(char const* prefix, unsigned pref = 1) {
+inline Ondex::IpGenAddr addr(std::string const& text) { return *Ondex::IpGenAddr::fromString(text); }
+inline Ondex::IpGenPrefix pfx(std::string const& text) { return *Ondex::IpGenPrefix::fromString(text); }
+inline Routing::RouteKey routeKey(std::string const& prefix, unsigned pref = 1) {
   return Routing::RouteKey(pfx(prefix), Routing::RoutePreference(static_cast<std::uint8_t>(pref)));
 }
 
@@ -106,18 +108,18 @@ class StaticRouteHarness {
   void intfDel(char const* name) { intfTable->ipIntfStatusDel(Ondex::IntfId(name)); }
 
   // A route of the list with one via per (hop, intf) pair given; "" for none.
-  Quill::Ptr<Routing::Route> routeIs(Routing::RouteList& list, char const* prefix, unsigned pref = 1,
+  Quill::Ptr<Routing::Route> routeIs(Routing::RouteList& list, std::string const& prefix, unsigned pref = 1,
                                      Routing::RouteType type = Routing::RouteType::forward) {
     return list.routeIs(routeKey(prefix, pref), type);
   }
-  static Routing::Via via(char const* hop, char const* intf = "") {
-    Routing::Via v(*hop ? addr(hop) : Ondex::IpGenAddr());
-    if (*intf) v.intfIdIs(Ondex::IntfId(intf));
+  static Routing::Via via(std::string const& hop, std::string const& intf = "") {
+    Routing::Via v(hop.empty() ? Ondex::IpGenAddr() : addr(hop));
+    if (!intf.empty()) v.intfIdIs(Ondex::IntfId(intf.c_str()));
     return v;
   }
 
   // The preferences of a prefix in the status store; empty when the prefix is absent.
-  [[nodiscard]] std::vector<unsigned> prefsOf(char const* prefix) const {
+  [[nodiscard]] std::vector<unsigned> prefsOf(std::string const& prefix) const {
     std::vector<unsigned> out;
     auto route = status->route(pfx(prefix));
     if (!route) return out;
@@ -125,7 +127,7 @@ class StaticRouteHarness {
     return out;
   }
   // The vias of one preference as "type: content", sorted.
-  [[nodiscard]] std::multiset<std::string> viasOf(char const* prefix, unsigned pref = 1) const {
+  [[nodiscard]] std::multiset<std::string> viasOf(std::string const& prefix, unsigned pref = 1) const {
     std::multiset<std::string> out;
     auto route = status->route(pfx(prefix));
     if (!route) return out;
@@ -146,7 +148,7 @@ class StaticRouteHarness {
     }
     return out;
   }
-  [[nodiscard]] Quill::Ptr<Routing::Protocol::RoutePref> routePref(char const* prefix, unsigned pref = 1) const {
+  [[nodiscard]] Quill::Ptr<Routing::Protocol::RoutePref> routePref(std::string const& prefix, unsigned pref = 1) const {
     auto route = status->route(pfx(prefix));
     return route ? route->routePref(Routing::RoutePreference(static_cast<std::uint8_t>(pref))) : nullptr;
   }
@@ -180,6 +182,74 @@ class StaticRouteHarness {
   Quill::Ptr<Routing::Input::ConfigByUser> configByUser;
   Quill::Ptr<Routing::VrfRouteListTaggedConfig> tagged;
   Quill::Ptr<RouteConfigSm> sm;
+
+  // An interface of another VRF's table of this harness's family (IPv4 or IPv6 interface status),
+  // the table created on first use; `vrfIntfTableDel` takes the VRF's table away.
+  void vrfIntfIs(char const* vrf, char const* intf, bool up = true) {
+    if (af == Ondex::AddressFamily::ipv6) {
+      auto table = ip6Status->vrfIp6IntfStatus(vrf);
+      if (!table) ip6Status->vrfIp6IntfStatusIs(vrf, table = Ip6::VrfIp6IntfStatus::VrfIp6IntfStatusIs());
+      table->intfStatusIs(Ondex::IntfId(intf))->dpRoutingEnabledIs(up);
+      return;
+    }
+    auto table = ipStatus->vrfIpIntfStatus(vrf);
+    if (!table) ipStatus->vrfIpIntfStatusIs(vrf, table = Ip::VrfIpIntfStatus::VrfIpIntfStatusIs());
+    table->ipIntfStatusIs(Ondex::IntfId(intf))->dpRoutingEnabledIs(up);
+  }
+  void vrfIntfDel(char const* vrf, char const* intf) {
+    if (af == Ondex::AddressFamily::ipv6) {
+      if (auto table = ip6Status->vrfIp6IntfStatus(vrf)) table->intfStatusDel(Ondex::IntfId(intf));
+    } else if (auto table = ipStatus->vrfIpIntfStatus(vrf)) {
+      table->ipIntfStatusDel(Ondex::IntfId(intf));
+    }
+  }
+  void vrfIntfTableDel(char const* vrf) {
+    if (af == Ondex::AddressFamily::ipv6)
+      ip6Status->vrfIp6IntfStatusDel(vrf);
+    else
+      ipStatus->vrfIpIntfStatusDel(vrf);
+  }
 };
+
+// The addresses of a scenario in one family, so that one body runs for IPv4 and IPv6: next hops
+// (192.0.2.i, 2001:db8::i), route prefixes (203.0.113.8i/29, 2001:db8:10i::/48) and the prefix
+// routed to the CPU.
+struct Family {
+  Ondex::AddressFamily af;
+  char const* name;
+
+  [[nodiscard]] bool v6() const { return af == Ondex::AddressFamily::ipv6; }
+  // The i-th next hop, i < 256.
+  [[nodiscard]] std::string hop(unsigned i) const { return v6() ? "2001:db8::" + hex(i) : "192.0.2." + std::to_string(i); }
+  // The i-th route prefix, i < 32.
+  [[nodiscard]] std::string net(unsigned i) const {
+    return v6() ? "2001:db8:" + hex(0x100 + i) + "::/48" : "203.0.113." + std::to_string(8 * i) + "/29";
+  }
+  // The host prefix of the i-th next hop.
+  [[nodiscard]] std::string host(unsigned i) const { return hop(i) + (v6() ? "/128" : "/32"); }
+  // The prefix routed to the CPU, and one a bit longer that is not.
+  [[nodiscard]] std::string toCpu() const { return v6() ? "::ffff:127.0.0.0/104" : "127.0.0.0/8"; }
+  [[nodiscard]] std::string nearToCpu() const { return v6() ? "::ffff:127.0.0.0/105" : "127.0.0.0/9"; }
+
+ private:
+  static std::string hex(unsigned i) {
+    std::ostringstream os;
+    os << std::hex << i;
+    return os.str();
+  }
+};
+
+// The text viasOf gives for a via: its type, next hop and interface, then what follows them.
+inline std::string viaText(unsigned type, std::string const& hop, std::string const& intf = "",
+                           std::string const& rest = " weight 0") {
+  return std::to_string(type) + ": nextHop " + hop + " intf " + intf + rest;
+}
+
+inline Family const kIpv4{Ondex::AddressFamily::ipv4, "ipv4"};
+inline Family const kIpv6{Ondex::AddressFamily::ipv6, "ipv6"};
+// GoogleTest prints a parameter by its name (not its bytes) in test names and messages.
+inline void PrintTo(Family const& family, std::ostream* os) { *os << family.name; }
+// For INSTANTIATE_TEST_SUITE_P: the family's name as the test's suffix.
+inline std::string familyName(::testing::TestParamInfo<Family> const& info) { return info.param.name; }
 
 }  // namespace BowlineTest

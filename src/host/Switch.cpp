@@ -338,20 +338,27 @@ void Switch::routeInto(Routing::RouteList& list, StaticRoute const& route, Route
   if (route.communities) r->routeAttributesIs(Routing::RouteAttributes(*route.communities));
   if (!route.leakVrf.empty()) r->leakVrfIs(Zel::String(route.leakVrf));
   if (route.ribBypass) r->ribBypassIs(true);
+  if (existing) dropViasGivenAgain(*r, route);
   for (auto const& via : route.vias) {
     Routing::Via const v = via.routingVia();
-    // The same via with another BFD local address is this one, changed.
-    std::vector<Routing::Via> former;
-    for (auto it = r->viaIteratorConst(); it; it.advance()) {
-      Routing::Via other = it.key();
-      if (other != v && other.localAddrDel() == via.identity()) former.push_back(it.key());
-    }
-    for (auto const& f : former) {
-      r->bfdTrackedDel(f);
-      r->viaDel(f);
-    }
     r->viaIs(v, via.viaAttr());
     if (via.bfd) r->bfdTrackedIs(v);
+  }
+}
+
+void Switch::dropViasGivenAgain(Routing::Route& r, StaticRoute const& route) {
+  // A via given again with another BFD local address is that via, changed: the former one goes.
+  std::map<Routing::Via, Routing::Via> given;  // identity -> the via as given
+  for (auto const& via : route.vias) given.emplace(via.identity(), via.routingVia());
+  std::vector<Routing::Via> former;
+  for (auto it = r.viaIteratorConst(); it; it.advance()) {
+    Routing::Via identity = it.key();
+    auto const match = given.find(identity.localAddrDel());
+    if (match != given.end() && match->second != it.key()) former.push_back(it.key());
+  }
+  for (auto const& f : former) {
+    r.bfdTrackedDel(f);
+    r.viaDel(f);
   }
 }
 

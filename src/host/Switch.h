@@ -91,6 +91,8 @@ class Switch {
   static void taggedKeyIs(Routing::RouteListTaggedConfig& index, std::string const& tag, Routing::RouteKey const& key);
   static void taggedKeyDel(Routing::RouteListTaggedConfig& index, Routing::RouteKey const& key);
   Routing::RouteInput& userOf(std::string const& vrf, std::string const& user, int family);
+  // Takes out of an existing route the vias that `route` gives again with another BFD local address.
+  static void dropViasGivenAgain(Routing::Route& r, StaticRoute const& route);
   Routing::RouteListTaggedConfig& userTagsOf(std::string const& vrf, std::string const& user, int family);
   // A static or dynamic route into its list; an injected route (non-empty `user`) into the user's.
   void configRouteInto(std::string const& user, StaticRoute const& route, RouteOp op);

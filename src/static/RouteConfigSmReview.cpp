@@ -132,7 +132,7 @@ bool RouteConfigSm::reviewAllRoutesByConfig(RouteList const* config, std::option
     return true;
   }
   return reviewWalk(reviewAllRoutesTask(), config->routeColl(), bookmark,
-                    [this](RouteKey const& key) { isStaticMode() ? srReviewRoute(key) : riReviewRoute(key); },
+                    [this](RouteKey const& key) { reviewRoute(key); },
                     vrfName_);
 }
 
@@ -143,7 +143,7 @@ bool RouteConfigSm::reviewAllRoutesByConfig(Protocol::LeakRouteConfig const* con
     return true;
   }
   return reviewWalk(reviewAllRoutesTask(), config->leakRouteColl(), bookmark,
-                    [this](RouteKey const& key) { isStaticMode() ? srReviewRoute(key) : riReviewRoute(key); },
+                    [this](RouteKey const& key) { reviewRoute(key); },
                     vrfName_);
 }
 

@@ -35,7 +35,14 @@ int runCommandLine(int argc, char const* const* argv, CommandLineSetup const& se
   auto* run = app.add_subcommand("run", "Run a scenario and print the RIB at each show step");
   run->add_option("scenario", scenarioPath, "The scenario file (YAML)")->capture_default_str();
   run->add_flag("--json", options.json, "Print the shows as one JSON document (schema in docs/scenario.md)");
-  run->add_flag("--stats", options.stats, "Print the time of each phase (load, converge, output) to stderr");
+  run->add_flag("--stats", options.stats,
+                "Print to stderr the time of each phase (load, converge, output, teardown), the routes installed, "
+                "routes per second and the peak memory");
+  run->add_flag("--teardown", options.teardown,
+                "Tear the switch down at the end (timed by --stats) instead of leaving it to the process's exit");
+  run->add_flag("--memory-by-type", options.memoryByType,
+                "Print to stderr the runtime's live objects by type (bytes, count), largest first, before the "
+                "teardown");
   run->add_option("--trace", traces,
                   "Trace to stderr: FACILITY=LEVELS, one rule per --trace, repeatable, e.g. "
                   "IpRib::RouteStatusSm=0-9 or 'StaticRoute::*=6' (a pattern must name a facility; levels "
@@ -80,7 +87,7 @@ int runCommandLine(int argc, char const* const* argv, CommandLineSetup const& se
     return kExitOk;
   }
   options.loadSeconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - t0).count();
-  options.keepAtExit = setup.keepAtExit;
+  options.keepAtExit = setup.keepAtExit && !options.teardown;
   try {
     return runScenario(*parse.scenario, options, out, err);
   } catch (std::exception const& e) {

@@ -1,5 +1,6 @@
 #include "host/Runner.h"
 
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -15,6 +16,7 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
+#include "foundations/runtime/Slab.h"
 #include "foundations/runtime/TaskScheduler.h"
 
 namespace Host {
@@ -195,6 +197,24 @@ class ShowPrinter {
 
 }  // namespace
 
+double peakMemoryMiB() {
+  rusage usage{};
+  if (getrusage(RUSAGE_SELF, &usage) != 0) return 0;
+  return double(usage.ru_maxrss) / 1024.0;  // kilobytes on Linux
+}
+
+std::string memoryByTypeText() {
+  auto all = Plinth::typeStats();
+  std::stable_sort(all.begin(), all.end(), [](auto const& a, auto const& b) { return a.bytes > b.bytes; });
+  std::string out = fmt::format("memory by type: {} bytes in {} objects; slab reserved {} bytes\n",
+                                Plinth::liveBytesAll(), Plinth::liveCountAll(), Plinth::bytesReserved());
+  for (auto const& type : all) {
+    if (type.live == 0) continue;
+    out += fmt::format("{:>14} {:>10} {}\n", type.bytes, type.live, type.name);
+  }
+  return out;
+}
+
 std::string jsonText(nlohmann::json const& doc) {
   // Names are checked as UTF-8 when the scenario is read; a stray byte still never throws here.
   return doc.dump(2, ' ', false, nlohmann::json::error_handler_t::replace);
@@ -248,19 +268,27 @@ int runScenario(Scenario const& scenario, RunOptions const& options, std::ostrea
       emit("end", "");
     }
     routes = sw.routeCount();
+    if (options.memoryByType) err << memoryByTypeText();
   } catch (std::exception const& e) {
     err << fmt::format("{}: {}: {}\n", scenario.path, gContext, e.what());
     status = kExitRunStopped;
   }
   printer.finish();
   contextIs("the teardown");
+  auto const t2 = std::chrono::steady_clock::now();
   if (options.keepAtExit)
     (void)owned.release();  // NOLINT: deliberately left to the process's exit
   else
     owned.reset();
+  double const teardown = secondsSince(t2);
   if (options.stats) {
-    err << fmt::format("stats: load {:.3f} s, converge {:.3f} s, output {:.3f} s, routes installed {}\n",
-                       options.loadSeconds, converge, output, routes);
+    double const toRib = options.loadSeconds + converge;
+    err << fmt::format(
+        "stats: load {:.3f} s, converge {:.3f} s, output {:.3f} s, teardown {}, routes installed {}, {:.0f} routes/s, "
+        "peak memory {:.1f} MiB\n",
+        options.loadSeconds, converge, output,
+        options.keepAtExit ? std::string("left to exit") : fmt::format("{:.3f} s", teardown), routes,
+        toRib > 0 ? double(routes) / toRib : 0.0, peakMemoryMiB());
   }
   return status;
 }

@@ -22,6 +22,10 @@ struct RunOptions {
   // Leave the switch standing at the end (a program about to exit): the process's exit returns the
   // memory at once, where tearing down every state machine walks every route.
   bool keepAtExit = false;
+  // Tear the switch down even where it would be kept, so that the stats time the teardown.
+  bool teardown = false;
+  // Print the live runtime objects by type (bytes, count) after the run, largest first.
+  bool memoryByType = false;
 };
 
 // The text of one show: per VRF and family the installed routes, then the VRF's readiness.
@@ -31,6 +35,11 @@ struct RunOptions {
 
 // The program's exit status when a run stops on an error (a scenario that does not settle).
 inline constexpr int kExitRunStopped = 3;
+
+// The process's peak resident memory so far, in MiB.
+[[nodiscard]] double peakMemoryMiB();
+// The runtime's live objects by type, largest first: one line each, after a line of totals.
+[[nodiscard]] std::string memoryByTypeText();
 
 // The JSON text of a document as the program prints it (indented by two; never throws).
 [[nodiscard]] std::string jsonText(nlohmann::json const& doc);

@@ -136,9 +136,8 @@ class HashMap2018 {
   HashMap2018(HashMap2018&& other) noexcept
       : seed_(other.seed_), hashFn_(std::move(other.hashFn_)), less_(std::move(other.less_)) {
     head_.next = other.head_.next;
-    buckets_ = other.buckets_;
+    buckets_ = other.bucketInline() ? inlineBucket() : other.buckets_;
     bits_ = other.bits_;
-    capacity_ = other.capacity_;
     size_ = other.size_;
     epoch_ = other.epoch_ + 1;
     other.forget();
@@ -270,15 +269,18 @@ class HashMap2018 {
   // Exchanges everything, seeds included.
   void swap(HashMap2018& other) noexcept {
     using std::swap;
+    bool const mineInline = bucketInline();
+    bool const otherInline = other.bucketInline();
     swap(head_.next, other.head_.next);
     swap(buckets_, other.buckets_);
+    if (otherInline) buckets_ = inlineBucket();
+    if (mineInline) other.buckets_ = other.inlineBucket();
     swap(bits_, other.bits_);
     swap(seed_, other.seed_);
-    swap(capacity_, other.capacity_);
     swap(size_, other.size_);
     swap(hashFn_, other.hashFn_);
     swap(less_, other.less_);
-    std::uint64_t epoch = (epoch_ > other.epoch_ ? epoch_ : other.epoch_) + 1;
+    std::uint32_t epoch = (epoch_ > other.epoch_ ? epoch_ : other.epoch_) + 1;
     epoch_ = epoch;
     other.epoch_ = epoch;
   }
@@ -293,9 +295,9 @@ class HashMap2018 {
       return;
     }
     // Room for all first, so that no allocation can fail half way through.
-    std::size_t want = capacity_ ? capacity_ : 1;
+    std::size_t want = capacity() ? capacity() : 1;
     while (want < size_ + other.size_) want *= 2;
-    if (want != capacity_) rehash(want);
+    if (want != capacity()) rehash(want);
     bool rehashKeys = seed_ != other.seed_;
     Node* n = other.head_.next;
     other.releaseBuckets();
@@ -316,9 +318,9 @@ class HashMap2018 {
   // Bytes of nodes and bucket array, as the slab hands them out.
   [[nodiscard]] std::size_t bytesAllocated() const {
     return size_ * HashMapImpl::slabBytes(sizeof(Node)) +
-           (capacity_ ? HashMapImpl::slabBytes(capacity_ * sizeof(Node*)) : 0);
+           (capacity() && !bucketInline() ? HashMapImpl::slabBytes(capacity() * sizeof(Node*)) : 0);
   }
-  [[nodiscard]] std::size_t bucketCount() const { return capacity_; }
+  [[nodiscard]] std::size_t bucketCount() const { return capacity(); }
 
  private:
   struct Bound {
@@ -396,7 +398,7 @@ class HashMap2018 {
 
     MapPtr map_ = nullptr;
     mutable Node* node_ = nullptr;  // valid while epoch_ matches the map's
-    mutable std::uint64_t epoch_ = 0;
+    mutable std::uint32_t epoch_ = 0;
     std::uint32_t hash_ = 0;
     std::optional<Key> key_;
   };
@@ -469,7 +471,7 @@ class HashMap2018 {
 
   // The next element of a walk.
   Node* successor(Node const* n) const {
-    prefetchAhead(buckets_, capacity_, bits_, n->hash);
+    prefetchAhead(buckets_, capacity(), bits_, n->hash);
     return n->next;
   }
   // The walk order is unrelated to where nodes sit in memory, so a walk over a large table
@@ -495,8 +497,8 @@ class HashMap2018 {
       inserted = false;
       return p->next;
     }
-    if (size_ >= capacity_) {
-      rehash(capacity_ ? capacity_ * 2 : 1);
+    if (size_ >= capacity()) {
+      rehash(capacity() ? capacity() * 2 : 1);
       p = predecessor(h, k);
     }
     Node* n = newNode(h, k, std::forward<A>(valueArgs)...);
@@ -528,10 +530,9 @@ class HashMap2018 {
   // does not change.
   void rehash(std::size_t newCapacity) {
     Node** old = buckets_;
-    std::size_t oldCapacity = capacity_;
+    std::size_t oldCapacity = capacity();
     std::uint32_t oldBits = bits_;
     buckets_ = allocBuckets(newCapacity);
-    capacity_ = newCapacity;
     bits_ = std::uint32_t(std::countr_zero(newCapacity));
     std::size_t last = ~std::size_t(0);
     for (Node* n = head_.next; n; n = n->next) {
@@ -546,7 +547,7 @@ class HashMap2018 {
   }
   // Halves the table (or more) once it is less than 1/8 full, so that lastBefore stays short.
   void maybeShrink() {
-    if (capacity_ <= kMinShrinkBuckets || size_ * 8 >= capacity_) return;
+    if (capacity() <= kMinShrinkBuckets || size_ * 8 >= capacity()) return;
     std::size_t want = kMinShrinkBuckets;
     while (want < size_ * 2) want *= 2;
     rehash(want);
@@ -581,12 +582,18 @@ class HashMap2018 {
     n->~Node();
     Plinth::slabFree(n, sizeof(Node));
   }
-  static Node** allocBuckets(std::size_t count) {
+  // A table of one bucket is the list head itself: that bucket's first element is the list's first,
+  // so a map of one element allocates no bucket array.
+  Node** inlineBucket() noexcept { return &head_.next; }
+  [[nodiscard]] bool bucketInline() const noexcept { return buckets_ == &head_.next; }
+  Node** allocBuckets(std::size_t count) {
+    if (count == 1) return inlineBucket();
     auto** b = static_cast<Node**>(Plinth::slabAlloc(count * sizeof(Node*)));
     std::memset(static_cast<void*>(b), 0, count * sizeof(Node*));
     return b;
   }
-  static void freeBuckets(Node** b, std::size_t count) noexcept {
+  void freeBuckets(Node** b, std::size_t count) noexcept {
+    if (b == inlineBucket()) return;
     Plinth::slabFree(b, count * sizeof(Node*));
   }
 
@@ -598,20 +605,23 @@ class HashMap2018 {
     }
     releaseBuckets();
   }
+  // Buckets allocated; 0 while on the shared empty bucket.
+  [[nodiscard]] std::size_t capacity() const noexcept {
+    return buckets_ == emptyBucket_ ? 0 : std::size_t(1) << bits_;
+  }
   void releaseBuckets() noexcept {
-    if (capacity_) freeBuckets(buckets_, capacity_);
+    if (capacity()) freeBuckets(buckets_, capacity());
   }
   // Forgets the contents (already released or handed over) and stands on the shared empty bucket.
   void forget() noexcept {
     head_.next = nullptr;
     buckets_ = emptyBucket_;
     bits_ = 0;
-    capacity_ = 0;
     size_ = 0;
     ++epoch_;
   }
   void copyFrom(HashMap2018 const& other) {
-    if (!other.capacity_) return;
+    if (!other.capacity()) return;
     try {
       Link* tail = &head_;
       for (Node const* n = other.head_.next; n; n = n->next) {
@@ -623,7 +633,7 @@ class HashMap2018 {
         tail = tail->next;
         ++size_;
       }
-      rehash(other.capacity_);
+      rehash(other.capacity());
     } catch (...) {
       releaseAll();
       throw;
@@ -638,13 +648,14 @@ class HashMap2018 {
   static inline Node* emptyBucket_[1] = {nullptr};
 
   // The list head. Const readers hand out positions in the list, the head among them.
+  // Four words in all, since every record and machine holds maps and most of them are empty or
+  // small: the bucket count is 2^bits_, or none while on the shared empty bucket.
   mutable Link head_;
   Node** buckets_ = emptyBucket_;  // per bucket: its first element, or null
   std::uint32_t bits_ = 0;         // bucket of h = top bits_ bits of h
   std::uint32_t seed_;
-  std::size_t capacity_ = 0;  // buckets allocated; 0 while on the shared empty bucket
-  std::size_t size_ = 0;
-  std::uint64_t epoch_ = 0;  // bumped whenever a node leaves the map; iterators compare it
+  std::uint32_t size_ = 0;
+  std::uint32_t epoch_ = 0;  // bumped whenever a node leaves the map; iterators compare it
   [[no_unique_address]] HashFn hashFn_;
   [[no_unique_address]] Less less_;
 };

@@ -42,14 +42,14 @@ class SmMember {
   SmMember* next_ = nullptr;
 };
 
+// The members of a machine in order of declaration. One pointer, since nested machines hold one or
+// two members each and exist per element; members are added only while the machine is built.
 class MemberHost {
  public:
   void zelMemberAdd(SmMember* member) noexcept {
-    if (tail_)
-      tail_->next_ = member;
-    else
-      head_ = member;
-    tail_ = member;
+    SmMember** end = &head_;
+    while (*end) end = &(*end)->next_;
+    *end = member;
   }
 
  protected:
@@ -62,7 +62,6 @@ class MemberHost {
 
  private:
   SmMember* head_ = nullptr;
-  SmMember* tail_ = nullptr;
 };
 
 inline SmMember::SmMember(MemberHost* host) { host->zelMemberAdd(this); }

@@ -112,6 +112,40 @@ TEST(HashMap2018, MemoryIsNodesAndBucketsOnly) {
   EXPECT_EQ(Tracked::live, 0);
 }
 
+std::vector<int> sortedKeys(Map const& m) {
+  auto keys = keysOf(m);
+  std::sort(keys.begin(), keys.end());
+  return keys;
+}
+
+// A map of one element keeps its one bucket in the list head: moves and swaps must carry that
+// bucket over to the map that now holds the element, not leave it pointing into the other map.
+TEST(HashMap2018, OneElementMapsMoveAndSwapTheirBucket) {
+  Map one;
+  one.tryEmplace(1, 10);
+  EXPECT_EQ(one.bytesAllocated(), Zel::HashMapImpl::slabBytes(sizeof(Zel::HashMapImpl::Node<int, Tracked>)))
+      << "no bucket array for one element";
+  Map moved(std::move(one));
+  Map other;
+  for (int k = 2; k < 5; ++k) other.tryEmplace(k, k);
+  moved.swap(other);
+  EXPECT_EQ(sortedKeys(other), (std::vector<int>{1}));
+  other.tryEmplace(7, 70);  // grows from the head's bucket to an array of two
+  EXPECT_EQ(sortedKeys(other), (std::vector<int>{1, 7}));
+  EXPECT_TRUE(other.erase(1));
+  EXPECT_TRUE(moved.erase(3));
+  other.swap(moved);
+  EXPECT_EQ(sortedKeys(moved), (std::vector<int>{7}));
+  EXPECT_EQ(sortedKeys(other), (std::vector<int>{2, 4}));
+  Map copy(moved);
+  moved.clear();
+  ASSERT_NE(copy.find(7), nullptr);
+  EXPECT_EQ(copy.find(7)->v, 70);
+  copy.clear();
+  other.clear();
+  EXPECT_EQ(Tracked::live, 0);
+}
+
 TEST(HashMap2018, CopyIsDeepAndMoveLeavesSourceEmpty) {
   // Refcounted keys: the copy, the iterators' key copies and the nodes all share text blocks.
   Zel::HashMap2018<Zel::String, std::string> m(7);

@@ -231,6 +231,7 @@ int runScenario(Scenario const& scenario, RunOptions const& options, std::ostrea
   double converge = 0;
   double output = 0;
   std::size_t routes = 0;
+  std::string stepTimes;  // one line a step, printed with the stats
   int status = 0;
   ShowPrinter printer(out, options.json);
   auto owned = std::make_unique<Switch>(scenario, scheduler);
@@ -256,10 +257,11 @@ int runScenario(Scenario const& scenario, RunOptions const& options, std::ostrea
         converge += secondsSince(t1);
         emit(show->label, show->vrf);
         shown = true;
-        continue;
+      } else {
+        sw.apply(step);
+        converge += secondsSince(t1);
       }
-      sw.apply(step);
-      converge += secondsSince(t1);
+      if (options.stats) stepTimes += fmt::format("stats: {}: {:.3f} s\n", stepText(step, i), secondsSince(t1));
     }
     // A scenario without a show prints the RIB it ends with.
     contextIs("the end");
@@ -282,6 +284,7 @@ int runScenario(Scenario const& scenario, RunOptions const& options, std::ostrea
     owned.reset();
   double const teardown = secondsSince(t2);
   if (options.stats) {
+    err << stepTimes;
     double const toRib = options.loadSeconds + converge;
     err << fmt::format(
         "stats: load {:.3f} s, converge {:.3f} s, output {:.3f} s, teardown {}, routes installed {}, {:.0f} routes/s, "

@@ -8,9 +8,8 @@
 
 #include <gtest/gtest.h>
 
-#include "foundations/rib/RibTypeFactories.h"
-#include "foundations/rib/ViaMetricStatus.h"
 #include "foundations/runtime/Slab.h"
+#include "support/AgentRecords.h"
 #include "support/RuntimeFixture.h"
 #include "support/StaticRouteHarness.h"
 
@@ -21,29 +20,14 @@ using Routing::Rib::RoutingProtocol;
 using Routing::Rib::Transport;
 using VrfId = Vrf::VrfIdMap::VrfId;
 
-// The records of the agents around the routing agent, at their mount paths.
-struct Switch {
-  Switch() {
-    Routing::Rib::ribTypeFactoriesIs(shmem);
-    nameStatus->nameToIdMapIs(names);
-    em.entityIs(Cell::path("vrf/vrfNameStatus").view(), nameStatus);
-    em.entityIs(Cell::path("ip/status").view(), ip4);
-    em.entityIs(Cell::path("ip6/status").view(), ip6);
-    for (char const* path : {"routing/rib/loopingRouteStatus", "routing6/rib/loopingRouteStatus",
-                             "routing/mrib/loopingRouteStatus", "routing6/mrib/loopingRouteStatus"}) {
-      em.entityIs(Cell::path(path).view(), Routing::Rib::LoopingRouteStatusByVrf::LoopingRouteStatusByVrfIs());
-    }
-    shmem.entityIs("vrf/vrfIdMapStatus", idStatus);
-    shmem.entityIs("routing/rib/viaMetricStatus", metrics);
-    shmem.entityIs("routing/mrib/viaMetricStatus", Routing::Rib::ViaMetricStatusByVrf::ViaMetricStatusByVrfIs());
-  }
+// The records of the agents around the routing agent, with the tables of each VRF.
+struct Switch : AgentRecords {
   void vrfIs(char const* vrf, std::uint32_t id) {
-    names->vrfNameToIdIs(L3::VrfName(vrf), VrfId(id));
-    idStatus->vrfIdToNameIs(VrfId(id), L3::VrfName(vrf));
+    AgentRecords::vrfIs(vrf, id);
     ip4->vrfIpIntfStatusIs(L3::VrfName(vrf), Ip::VrfIpIntfStatus::VrfIpIntfStatusIs());
     ip6->vrfIp6IntfStatusIs(L3::VrfName(vrf), Ip6::VrfIp6IntfStatus::VrfIp6IntfStatusIs());
-    for (char const* path : {"routing/rib/loopingRouteStatus", "routing6/rib/loopingRouteStatus"})
-      em.get<Routing::Rib::LoopingRouteStatusByVrf>(Cell::path(path).view())->vrfStatusIs(L3::VrfName(vrf));
+    looping4->vrfStatusIs(L3::VrfName(vrf));
+    looping6->vrfStatusIs(L3::VrfName(vrf));
     // The RIB's report tables of the VRF, for both protocols and every transport.
     for (auto t : {Transport::transportIpv4(), Transport::transportIpv6(), Transport::transportEvpn()}) {
       for (auto p : {RoutingProtocol::staticConfig(), RoutingProtocol::routeInput()}) metrics->leafIs(VrfId(id), t, p);
@@ -57,15 +41,6 @@ struct Switch {
           ->viaMetricIs(key, Routing::Rib::ViaMetric(key, 5, 1));
     }
   }
-
-  Cairn::EntityManager em;
-  ZelSharedMem::EntityManager shmem;
-  Quill::Ptr<Vrf::VrfIdMap::NameToIdMapWrapper> nameStatus = Vrf::VrfIdMap::NameToIdMapWrapper::NameToIdMapWrapperIs();
-  Quill::Ptr<Vrf::VrfIdMap::NameToIdMap> names = Vrf::VrfIdMap::NameToIdMap::NameToIdMapIs();
-  Quill::Ptr<Vrf::VrfIdMap::Status> idStatus = Vrf::VrfIdMap::Status::StatusIs();
-  Quill::Ptr<Ip::Status> ip4 = Ip::Status::StatusIs();
-  Quill::Ptr<Ip6::Status> ip6 = Ip6::Status::StatusIs();
-  Quill::Ptr<Routing::Rib::ViaMetricStatusByVrf> metrics = Routing::Rib::ViaMetricStatusByVrf::ViaMetricStatusByVrfIs();
 };
 
 class RoutingAgentTest : public RuntimeFixture {};

@@ -67,28 +67,21 @@ TEST(ScenarioParserTest, FullScenarioParsesIntoTheExpectedValues) {
   // 1. VRFs, the default one first; interfaces with their addresses and flags.
   ASSERT_EQ(sc.vrfs.size(), 3u);
   EXPECT_EQ(sc.vrfs[0].name, "default");
-  EXPECT_EQ(sc.vrfs[0].id, 0u);
   EXPECT_EQ(sc.vrf("blue")->id, 2u);
   EXPECT_EQ(sc.vrf("blue")->line, 4);
-  ASSERT_EQ(sc.interfaces.size(), 4u);
   Interface const& e1 = *sc.interface(IntfId("Ethernet1"));
   EXPECT_EQ(e1.vrf, "red");
   ASSERT_EQ(e1.addresses.size(), 2u);
-  EXPECT_EQ(e1.addresses[0].toString(), "10.1.0.1/24");
   EXPECT_EQ(e1.addresses[0].subnet(), pfx("10.1.0.0/24"));
   EXPECT_EQ(e1.addresses[1].addr, addr("2001:db8:1::1"));
   EXPECT_TRUE(e1.up && e1.routing);
-  Interface const& e2 = *sc.interface(IntfId("Ethernet2"));
-  EXPECT_EQ(e2.vrf, "default");
-  EXPECT_FALSE(e2.up);
-  EXPECT_EQ(e2.addresses.size(), 1u);
+  EXPECT_FALSE(sc.interface(IntfId("Ethernet2"))->up);
+  EXPECT_EQ(sc.interface(IntfId("Ethernet2"))->addresses.size(), 1u) << "a single address without a list";
   EXPECT_FALSE(sc.interface(IntfId("Vlan10"))->routing);
 
   // 2. Command tags get ids in order; global settings.
-  ASSERT_EQ(sc.commandTags.size(), 2u);
   EXPECT_EQ(sc.commandTag("canary")->id, 2);
   EXPECT_FALSE(sc.commandTag("canary")->enabled);
-  EXPECT_TRUE(sc.commandTag("maintenance")->enabled);
   EXPECT_EQ(sc.global.preference, 5);
   EXPECT_EQ(sc.global.ecmp, EcmpState::singleGroup);
   EXPECT_TRUE(sc.global.mpls && sc.global.gracefulRestart && sc.global.startReadyVerification);
@@ -101,32 +94,21 @@ TEST(ScenarioParserTest, FullScenarioParsesIntoTheExpectedValues) {
   EXPECT_EQ(r0.tag, 42u);
   EXPECT_EQ(r0.communities, (std::vector<std::uint32_t>{100, 65000u << 16 | 7}));
   EXPECT_EQ(r0.leakVrf, "blue");
-  EXPECT_EQ(r0.commandTag, "maintenance");
   EXPECT_EQ(r0.commandTagId, 1);
-  EXPECT_FALSE(r0.dynamic);
   ASSERT_EQ(r0.vias.size(), 2u);
   Via const& v0 = r0.vias[0];
-  EXPECT_EQ(v0.nexthop, addr("10.1.0.2"));
-  EXPECT_EQ(v0.intf, IntfId("Ethernet1"));
   EXPECT_EQ(v0.viaAttr(), Routing::RouteViaAttr(3, 2));
-  EXPECT_EQ(v0.labels, std::vector<Ondex::MplsLabel>{Ondex::MplsLabel(16)});
   EXPECT_TRUE(v0.bfd);
-  EXPECT_EQ(v0.localAddr, addr("10.1.0.1"));
   EXPECT_EQ(v0.line, 41);
-  Routing::Via const rv0 = v0.routingVia();
-  EXPECT_EQ(rv0.mplsLabel(), Ondex::MplsLabel(16));
-  EXPECT_EQ(*rv0.localAddr(), addr("10.1.0.1"));
-  EXPECT_TRUE(rv0.isIpVia());
-  EXPECT_FALSE(r0.vias[1].bfd);
-  EXPECT_FALSE(r0.vias[1].localAddr.has_value());
+  EXPECT_EQ(v0.routingVia(), Routing::Via(addr("10.1.0.2"), IntfId("Ethernet1"))
+                                 .mplsLabelIs(Ondex::MplsLabel(16))
+                                 .localAddrIs(addr("10.1.0.1")));
   EXPECT_EQ(r0.vias[1].routingVia(), Routing::Via(addr("10.1.0.3")));
 
   // 4. The other route forms: IPv6, drop, drop with indication, to the CPU without vias, dynamic
   // with an egress VRF, EVPN.
-  EXPECT_TRUE(sc.routes[1].prefix.isV6());
   EXPECT_EQ(sc.routes[1].vias[0].nexthop, addr("2001:db8:1::2"));
   EXPECT_EQ(sc.routes[2].type, Routing::RouteType::drop);
-  EXPECT_EQ(sc.routes[2].vrf, "default");
   EXPECT_TRUE(sc.routes[2].ribBypass);
   EXPECT_FALSE(sc.routes[2].communities.has_value());
   EXPECT_EQ(sc.routes[3].type, Routing::RouteType::dropWithIndication);
@@ -134,76 +116,51 @@ TEST(ScenarioParserTest, FullScenarioParsesIntoTheExpectedValues) {
   EXPECT_TRUE(sc.routes[4].vias.empty());
   EXPECT_TRUE(sc.routes[5].dynamic);
   EXPECT_EQ(sc.routes[5].vias[0].routingVia().egressVrf(), L3::VrfName("blue"));
-  Via const& evpn = sc.routes[6].vias[0];
-  EXPECT_TRUE(evpn.isEvpn());
-  Routing::Via const rve = evpn.routingVia();
-  EXPECT_TRUE(rve.isEvpnVia());
-  EXPECT_EQ(rve.vtepAddr(), addr("2.2.2.2"));
-  EXPECT_EQ(rve.vni().value(), 10010u);
-  EXPECT_EQ(rve.routerMac().toString(), "02:00:00:00:00:99");
-  EXPECT_TRUE(rve.vtepSipValidation());
+  EXPECT_EQ(sc.routes[6].vias[0].routingVia(), Routing::Via()
+                                                   .vtepAddrIs(addr("2.2.2.2"))
+                                                   .vniIs(Vxlan::VniExt(10010))
+                                                   .routerMacIs(*Ondex::EthAddr::fromString("02:00:00:00:00:99"))
+                                                   .vtepSipValidationIs(true));
 
   // 5. Injected routes take their user's VRF; BFD sessions; the route file is loaded.
   ASSERT_EQ(sc.injected.size(), 1u);
-  EXPECT_EQ(sc.injected[0].user, "agentA");
   EXPECT_FALSE(sc.injected[0].installInFib);
-  ASSERT_EQ(sc.injected[0].routes.size(), 1u);
-  EXPECT_EQ(sc.injected[0].routes[0].vrf, "red");
+  EXPECT_EQ(sc.injected[0].routes.at(0).vrf, "red");
   ASSERT_EQ(sc.bfd.size(), 2u);
-  EXPECT_EQ(sc.bfd[0].state, BfdState::up);
   EXPECT_EQ(sc.bfd[0].intf, IntfId("Ethernet1"));
   EXPECT_EQ(sc.bfd[1].state, BfdState::adminDown);
-  EXPECT_EQ(sc.bfd[1].vrf, "default");
-  ASSERT_EQ(sc.routeFiles.size(), 1u);
-  EXPECT_EQ(sc.routeFiles[0].vrf, "red");
+  EXPECT_EQ(sc.routeFiles.at(0).vrf, "red");
   EXPECT_EQ(sc.routeFiles[0].routes.size(), 6u);
 
   // 6. The steps, in order.
   ASSERT_EQ(sc.steps.size(), 22u);
   EXPECT_TRUE(stepAs<ShowStep>(sc, 0).label.empty());
-  EXPECT_EQ(stepAs<RouteStep>(sc, 1).op, RouteOp::add);
   EXPECT_EQ(stepAs<RouteStep>(sc, 1).route.vrf, "red");
   RouteStep const& replace = stepAs<RouteStep>(sc, 2);
   EXPECT_EQ(replace.op, RouteOp::replace);
   EXPECT_TRUE(replace.route.dynamic);
-  EXPECT_EQ(replace.route.vias[0].intf, IntfId("Ethernet2"));
-  RouteStep const& remove = stepAs<RouteStep>(sc, 3);
-  EXPECT_EQ(remove.op, RouteOp::remove);
-  EXPECT_EQ(remove.route.key(), Routing::RouteKey(pfx("10.20.0.0/16"), Routing::RoutePreference(10)));
+  EXPECT_EQ(stepAs<RouteStep>(sc, 3).op, RouteOp::remove);
   EXPECT_EQ(stepAs<RouteStep>(sc, 4).user, "agentB");
-  EXPECT_EQ(stepAs<RouteStep>(sc, 4).route.vrf, "default");
-  EXPECT_EQ(stepAs<RouteStep>(sc, 5).op, RouteOp::remove);
   EXPECT_EQ(stepAs<RouteStep>(sc, 5).user, "agentA");
   GlobalStep const& g = stepAs<GlobalStep>(sc, 6);
   EXPECT_EQ(g.preference, 7);
-  EXPECT_EQ(g.ecmp, EcmpState::byViaType);
   EXPECT_FALSE(g.mpls.has_value());
-  EXPECT_EQ(stepAs<VrfStep>(sc, 7).op, VrfOp::add);
   EXPECT_EQ(stepAs<VrfStep>(sc, 7).vrf.id, 3u);
   EXPECT_EQ(stepAs<RouteStep>(sc, 8).route.vrf, "green");
   EXPECT_EQ(stepAs<VrfStep>(sc, 9).op, VrfOp::remove);
-  EXPECT_EQ(stepAs<VrfStep>(sc, 9).vrf.name, "blue");
-  EXPECT_EQ(stepAs<InterfaceStep>(sc, 10).up, true);
   EXPECT_FALSE(stepAs<InterfaceStep>(sc, 10).routing.has_value());
   InterfaceStep const& intf = stepAs<InterfaceStep>(sc, 11);
-  EXPECT_EQ(intf.routing, false);
-  ASSERT_EQ(intf.addAddresses.size(), 1u);
-  EXPECT_EQ(intf.addAddresses[0].toString(), "10.2.0.1/24");
-  EXPECT_EQ(intf.removeAddresses[0].toString(), "10.1.0.1/24");
+  EXPECT_EQ(intf.addAddresses.at(0).toString(), "10.2.0.1/24");
+  EXPECT_EQ(intf.removeAddresses.at(0).toString(), "10.1.0.1/24");
   EXPECT_EQ(stepAs<BfdStep>(sc, 12).session.state, BfdState::down);
-  RibStep const& rib = stepAs<RibStep>(sc, 13);
-  EXPECT_EQ(rib.kind, RibOverrideKind::resolved);
-  EXPECT_EQ(rib.metric, 20u);
+  EXPECT_EQ(stepAs<RibStep>(sc, 13).metric, 20u);
   EXPECT_EQ(stepAs<RibStep>(sc, 14).kind, RibOverrideKind::unresolved);
-  EXPECT_EQ(stepAs<RibStep>(sc, 14).intf, IntfId("Ethernet1"));
   EXPECT_EQ(stepAs<RibStep>(sc, 15).kind, RibOverrideKind::clear);
   EXPECT_FALSE(stepAs<CommandTagStep>(sc, 16).enabled);
   (void)stepAs<SettleStep>(sc, 17);
   EXPECT_EQ(stepAs<RestartStep>(sc, 18).gracefulRestart, false);
   EXPECT_FALSE(stepAs<RestartStep>(sc, 19).gracefulRestart.has_value());
-  EXPECT_EQ(stepAs<ShowStep>(sc, 20).label, "after restart");
   EXPECT_EQ(stepAs<ShowStep>(sc, 20).vrf, "red");
-  EXPECT_EQ(stepAs<ShowStep>(sc, 21).label, "everything");
   EXPECT_EQ(sc.steps[21].line, 122);
 }
 
@@ -242,9 +199,6 @@ TEST(ScenarioParserTest, EachClassOfErrorNamesFileLineAndField) {
       {"undeclared VRF",
        kSwitch + "routes: [{vrf: blue, prefix: 10.0.0.0/8, type: drop}]\n",
        {"s.yaml:4: routes[0].vrf: VRF \"blue\" is not declared"}},
-      {"interface in an undeclared VRF",
-       "interfaces: [{name: Ethernet1, vrf: blue}]\n",
-       {"s.yaml:1: interfaces[0].vrf: VRF \"blue\" is not declared"}},
       {"undeclared interface",
        kSwitch + "routes: [{prefix: 10.0.0.0/8, vias: [{interface: Ethernet9}]}]\n",
        {"s.yaml:4: routes[0].vias[0].interface: interface \"Ethernet9\" is not declared"}},
@@ -264,9 +218,6 @@ TEST(ScenarioParserTest, EachClassOfErrorNamesFileLineAndField) {
       {"weight not a number",
        "routes: [{prefix: 10.0.0.0/8, vias: [{nexthop: 1.1.1.1, weight: -1}]}]\n",
        {"s.yaml:1: routes[0].vias[0].weight: \"-1\" is not a number"}},
-      {"weight past 32 bits",
-       "routes: [{prefix: 10.0.0.0/8, vias: [{nexthop: 1.1.1.1, weight: 4294967296}]}]\n",
-       {"s.yaml:1: routes[0].vias[0].weight: 4294967296 is out of range 0..4294967295"}},
       {"VRF id out of range",
        "vrfs: [{name: red, id: 16777215}]\n",
        {"s.yaml:1: vrfs[0].id: 16777215 is out of range 0..16777214"}},

@@ -1,6 +1,6 @@
-// The leak records: text forms and order of the two keys, what each mutator publishes (and that
-// it is silent when nothing changes), the source and destination rules of the list sets, and that
-// a torn-down chain of records leaves no object behind.
+// The leak records: what each mutator publishes (and that it is silent when nothing changes), the
+// source and destination rules of the list sets, and that a torn-down chain of records leaves no
+// object behind.
 #include "leak/ProtocolRouteLeak.h"
 
 #include <gtest/gtest.h>
@@ -18,7 +18,6 @@ using BowlineTest::RecordRecorder;
 using LeakRoutePtr = Quill::Ptr<LeakRoute const>;
 using Ids = std::vector<Zel::AttrId>;
 constexpr Ondex::AddressFamily v4 = Ondex::AddressFamily::ipv4;
-constexpr Ondex::AddressFamily v6 = Ondex::AddressFamily::ipv6;
 
 RouteKey rk(int i) { return RouteKey(*Ondex::IpGenPrefix::fromString("10." + std::to_string(i) + ".0.0/16")); }
 
@@ -33,27 +32,10 @@ class ProtocolRouteLeakTest : public BowlineTest::RuntimeFixture {
   LeakRoutePtr leak(int i, VrfIdAf src = VrfIdAf(3, v4)) { return LeakRoute::LeakRouteIs(src, route(i)); }
 };
 
-TEST(VrfKeysTest, TextFormsRoundTripAndOrderFieldByField) {
-  EXPECT_EQ(valueToStrep(VrfIdAf(3, v4)), "Value('Routing::Protocol::VrfIdAf', ** {'vrfId': 3, 'af': 'ipv4'})");
-  EXPECT_EQ(fmt::format("{}", VrfPairAf(3, 9, v6)),
-            "Value('Routing::Protocol::VrfPairAf', ** {'srcVrf': 3, 'dstVrf': 9, 'af': 'ipv6'})");
-  EXPECT_EQ(VrfIdAf().vrfId(), Vrf::VrfIdMap::VrfId(0xffffff)) << "a missed lookup reads no VRF";
-  for (VrfIdAf k : {VrfIdAf(), VrfIdAf(7, v6)}) EXPECT_EQ(VrfIdAf::fromStrep(valueToStrep(k)), k);
-  for (VrfPairAf k : {VrfPairAf(), VrfPairAf(1, 2, v6)}) EXPECT_EQ(VrfPairAf::fromStrep(valueToStrep(k)), k);
-  EXPECT_FALSE(VrfIdAf::fromStrep(valueToStrep(VrfPairAf(1, 2, v4))));
-  EXPECT_FALSE(VrfIdAf::fromStrep("Value('Routing::Protocol::VrfIdAf', ** {'af': 'ipv4', 'vrfId': 3})"));
-  EXPECT_LT(VrfIdAf(1, v6), VrfIdAf(2, v4));
-  EXPECT_LT(VrfIdAf(1, v4), VrfIdAf(1, v6));
-  EXPECT_LT(VrfPairAf(1, 3, v6), VrfPairAf(2, 0, v4));
-  EXPECT_LT(VrfPairAf(1, 2, v6), VrfPairAf(1, 3, v4));
-  EXPECT_LT(VrfPairAf(1, 2, v4), VrfPairAf(1, 2, v6));
-}
-
 TEST_F(ProtocolRouteLeakTest, LeakRouteDirKeepsTheSameRouteAndReplacesAnother) {
   auto dir = LeakRouteDir::LeakRouteDirIs();
   auto rec = RecordRecorder<LeakRouteDir>::RecordRecorderIs(dir);
   auto first = dir->leakRouteIs(VrfIdAf(3, v4), route(1));
-  EXPECT_EQ(first->key(), rk(1));
   EXPECT_EQ(dir->leakRouteIs(VrfIdAf(3, v4), route(1)), first) << "same source, same route: kept, silent";
   auto replaced = route(1, RouteType::drop);  // a new configuration object under the same key
   auto second = dir->leakRouteIs(VrfIdAf(3, v4), replaced);
@@ -61,7 +43,6 @@ TEST_F(ProtocolRouteLeakTest, LeakRouteDirKeepsTheSameRouteAndReplacesAnother) {
   EXPECT_TRUE(first->zelMarkedForDeletion());
   EXPECT_NE(dir->leakRouteIs(VrfIdAf(4, v4), replaced), second) << "another source is another LeakRoute";
   EXPECT_THROW(dir->leakRouteIs(VrfIdAf(3, v4), nullptr), Zel::MutatorArgNullPointerException);
-  EXPECT_THROW((void)LeakRoute::LeakRouteIs(VrfIdAf(3, v4), nullptr), Zel::MutatorArgNullPointerException);
   EXPECT_EQ(rec->ids, Ids(3, LeakRouteDir::leakRouteId));
 }
 
@@ -80,22 +61,11 @@ void checkLeakRouteColl(Quill::Ptr<T> coll, ProtocolRouteLeakTest& t) {
   EXPECT_FALSE(coll->leakRouteIs(a)) << "the same object is silent";
   EXPECT_TRUE(coll->leakRouteIs(b)) << "another object under the key replaces";
   EXPECT_EQ(coll->leakRoute(rk(1)), b);
-  EXPECT_EQ(coll->leakRoute(rk(2)), nullptr);
   EXPECT_FALSE(coll->leakRouteDel(rk(2)));
   EXPECT_THROW(coll->leakRouteIs(LeakRoutePtr()), Zel::MutatorArgNullPointerException);
   EXPECT_EQ(seen, (std::vector<std::pair<RouteKey, LeakRoutePtr>>{{rk(1), nullptr}, {rk(1), a}}));
-
-  for (int i = 2; i <= 9; ++i) coll->leakRouteIs(t.leak(i));
-  std::vector<RouteKey> order, tail;
-  for (auto it = coll->leakRouteIteratorConst(); it; it.advance()) order.push_back(it.key());
-  coll->leakRouteDel(order.at(3));
-  for (auto it = coll->leakRouteColl().iteratorAt(order[3]); it; it.advance()) tail.push_back(it.key());
-  EXPECT_EQ(tail, std::vector<RouteKey>(order.begin() + 4, order.end())) << "resume at a deleted key";
-  EXPECT_FALSE(a->zelMarkedForDeletion()) << "shared, not owned";
-  seen.clear();
   coll->leakRouteDelAll();
-  EXPECT_EQ(seen.size(), 8u);
-  EXPECT_EQ(coll->leakRouteSize(), 0u);
+  EXPECT_FALSE(a->zelMarkedForDeletion()) << "shared, not owned";
 }
 
 TEST_F(ProtocolRouteLeakTest, LeakRouteListAndConfigPublishOnlyChanges) {
@@ -125,23 +95,6 @@ TEST_F(ProtocolRouteLeakTest, ListSetsHoldOnlyTheirSourceOrDestination) {
   EXPECT_EQ(set->leakRouteListDel(VrfPairAf(3, 9, v4)), toNine);
   EXPECT_TRUE(toNine->zelMarkedForDeletion()) << "the source does";
   EXPECT_EQ(nine->leakRouteLists(), 0u);
-}
-
-TEST_F(ProtocolRouteLeakTest, DirectoriesFileSetsUnderTheirOwnKey) {
-  auto dir = LeakRouteListSetDir::LeakRouteListSetDirIs();
-  auto rec = RecordRecorder<LeakRouteListSetDir>::RecordRecorderIs(dir);
-  auto s4 = LeakRouteListSet::LeakRouteListSetIs(VrfIdAf(3, v4));
-  EXPECT_TRUE(dir->lrlSetIs(s4));
-  EXPECT_FALSE(dir->lrlSetIs(s4));
-  EXPECT_TRUE(dir->lrlSetIs(LeakRouteListSet::LeakRouteListSetIs(VrfIdAf(3, v6)))) << "the family is part of the key";
-  EXPECT_TRUE(dir->lrlSetIs(LeakRouteListSet::LeakRouteListSetIs(VrfIdAf(3, v4))));
-  EXPECT_NE(dir->lrlSet(VrfIdAf(3, v4)), s4);
-  EXPECT_THROW(dir->lrlSetIs(nullptr), Zel::MutatorArgNullPointerException);
-  EXPECT_EQ(rec->ids, Ids(3, LeakRouteListSetDir::lrlSetId));
-  auto pdir = LeakRouteListPtrSetDir::LeakRouteListPtrSetDirIs();
-  auto p9 = LeakRouteListPtrSet::LeakRouteListPtrSetIs(VrfIdAf(9, v6));
-  EXPECT_TRUE(pdir->lrlpSetIs(p9));
-  EXPECT_EQ(pdir->lrlpSet(VrfIdAf(9, v6)), p9);
 }
 
 TEST_F(ProtocolRouteLeakTest, AChainOfRecordsReleasesEverything) {

@@ -10,7 +10,6 @@
 #include <tuple>
 #include <vector>
 
-#include "platform/RibReadout.h"
 #include "support/RuntimeFixture.h"
 
 namespace BowlineTest {
@@ -433,41 +432,6 @@ TEST_F(RibAgentTest, EvpnViaResolvesThroughItsVtepInTheDefaultVrf) {
   routeIs("60.0.0.0/8", {via("10.0.0.2")}, 1, 2);
   runToIdle();
   EXPECT_EQ(report(remote->viaKey()), "metric 2 pref 1") << "2: a default-VRF route covers the VTEP";
-}
-
-TEST_F(RibAgentTest, ReadoutIsSortedAndNamesTheVias) {
-  ViaKey const b = via("10.0.0.3");
-  ViaKey const a = via("10.0.0.2");
-  routeIs("20.0.0.0/8", {b, a}, 1, 5);
-  routeIs("1.0.0.0/8", {via("", "Null0")});
-  runToIdle();
-  auto const out = Platform::RibReadout(rib).routes("default", Ondex::AddressFamily::ipv4);
-  ASSERT_EQ(out.size(), 2u);
-  EXPECT_EQ(out[0].prefix, prefix("1.0.0.0/8"));
-  EXPECT_EQ(out[0].vias.at(0).intf, Ondex::IntfId::null0());
-  EXPECT_EQ(out[1].prefix, prefix("20.0.0.0/8"));
-  EXPECT_EQ(out[1].metric, 5u);
-  ASSERT_EQ(out[1].vias.size(), 2u);
-  EXPECT_EQ(out[1].vias[0].nextHop, ip("10.0.0.2")) << "vias sorted by next hop";
-  EXPECT_EQ(out[1].vias[1].nextHop, ip("10.0.0.3"));
-  EXPECT_EQ(out[1].vias[0].vrf, L3::VrfName("default"));
-  EXPECT_TRUE(out[1].vias[0].resolved);
-  EXPECT_TRUE(Platform::RibReadout(rib).routes("default", Ondex::AddressFamily::ipv6).empty());
-  EXPECT_TRUE(Platform::RibReadout(rib).routes("blue", Ondex::AddressFamily::ipv4).empty()) << "no such VRF";
-}
-
-TEST_F(RibAgentTest, HandshakeIsEchoedOnlyWhenStatusMatchesTrigger) {
-  auto const triggers = Routing::Protocol::AllVrfRibSeqTrigger::AllVrfRibSeqTriggerIs();
-  auto const ready = Routing::Protocol::AllVrfReadyStatus::AllVrfReadyStatusIs();
-  auto const status = ready->vrfReadyStatusIs("default");
-  EXPECT_FALSE(RibAgent::ribReadySeqEchoed(*ready, *triggers, "default")) << "no trigger yet";
-  RibAgent::ribReadySeqTriggerIs(*triggers, "default", 3);
-  EXPECT_EQ(triggers->vrfRibSeqTrigger("default")->ribReadySeqTrigger(), 3u);
-  EXPECT_FALSE(RibAgent::ribReadySeqEchoed(*ready, *triggers, "default"));
-  status->ribReadySeqStatusIs(3);
-  EXPECT_TRUE(RibAgent::ribReadySeqEchoed(*ready, *triggers, "default"));
-  RibAgent::ribReadySeqTriggerIs(*triggers, "default", 4);
-  EXPECT_FALSE(RibAgent::ribReadySeqEchoed(*ready, *triggers, "default")) << "a new question";
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// The protocol container's assembly, and the container key it is built under.
+// The protocol container's assembly.
 #include "protocol/ProtocolContainerSm.h"
 
 #include <gtest/gtest.h>
@@ -12,24 +12,6 @@ namespace {
 using Routing::Protocol::ContainerKey;
 
 class ContainerSmTest : public RuntimeFixture {};
-
-TEST(ContainerKeyTest, DefaultVrfSortsFirstAndTheTextRoundTrips) {
-  ContainerKey const d4("default", Ondex::AddressFamily::ipv4);
-  ContainerKey const d6("default", Ondex::AddressFamily::ipv6);
-  ContainerKey const a4("aaa", Ondex::AddressFamily::ipv4);
-  ContainerKey const b4("bbb", Ondex::AddressFamily::ipv4);
-  EXPECT_TRUE(d6 < a4);
-  EXPECT_TRUE(d4 < d6);
-  EXPECT_TRUE(a4 < b4);
-  EXPECT_FALSE(a4 < d4);
-  EXPECT_FALSE(bool(ContainerKey()));
-  EXPECT_TRUE(bool(a4));
-  std::string const text = valueToStrep(a4);
-  EXPECT_EQ(text, "Value('Routing::Protocol::ContainerKey', ** {'vrfName': 'aaa', 'af': 'ipv4'})");
-  EXPECT_EQ(ContainerKey::fromStrep(text), a4);
-  EXPECT_FALSE(ContainerKey::fromStrep("Value('Routing::Protocol::ContainerKey', ** {'vrfName': 'aaa'})"));
-  EXPECT_THROW(ContainerKey(std::string(101, 'v'), Ondex::AddressFamily::ipv4), Quill::Exception);
-}
 
 TEST_F(ContainerSmTest, BuildsItsChildrenAndDrivesOnlyAPerVrfViaTable) {
   auto const live = liveSinceStart();

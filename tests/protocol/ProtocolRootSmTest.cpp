@@ -6,10 +6,10 @@
 #include <string>
 #include <vector>
 
-#include "foundations/rib/RibTypeFactories.h"
 #include "foundations/rib/ViaConfigLib.h"
 #include "foundations/runtime/Toggle.h"
 #include "protocol/ProtocolRootSm.h"
+#include "support/AgentRecords.h"
 #include "support/RuntimeFixture.h"
 
 namespace BowlineTest {
@@ -39,23 +39,8 @@ class ReadyWatch : public Zel::StateMachine<ReadyWatch> {
 };
 
 // The agents around a protocol root: VRF maps, interface tables, the RIB's reports, at their paths.
-class RootSmTest : public RuntimeFixture {
+class RootSmTest : public RuntimeFixture, protected AgentRecords {
  protected:
-  void SetUp() override {
-    RuntimeFixture::SetUp();
-    Routing::Rib::ribTypeFactoriesIs(shmem);
-    em.entityIs(Cell::path("vrf/vrfNameStatus").view(), nameStatus);
-    nameStatus->nameToIdMapIs(names);
-    em.entityIs(Cell::path("ip/status").view(), ip4);
-    em.entityIs(Cell::path("ip6/status").view(), ip6);
-    em.entityIs(Cell::path("routing/rib/loopingRouteStatus").view(), looping4);
-    em.entityIs(Cell::path("routing6/rib/loopingRouteStatus").view(), looping6);
-    em.entityIs(Cell::path("routing/mrib/loopingRouteStatus").view(), mcLooping4);
-    em.entityIs(Cell::path("routing6/mrib/loopingRouteStatus").view(), mcLooping6);
-    shmem.entityIs("vrf/vrfIdMapStatus", idStatus);
-    shmem.entityIs("routing/rib/viaMetricStatus", metrics);
-    shmem.entityIs("routing/mrib/viaMetricStatus", mcMetrics);
-  }
   void TearDown() override {
     watch = nullptr;
     root = nullptr;
@@ -73,14 +58,6 @@ class RootSmTest : public RuntimeFixture {
     root->doMountsComplete();
   }
 
-  void vrfIs(char const* vrf, std::uint32_t id) {
-    names->vrfNameToIdIs(L3::VrfName(vrf), VrfId(id));
-    idStatus->vrfIdToNameIs(VrfId(id), L3::VrfName(vrf));
-  }
-  void vrfDel(char const* vrf, std::uint32_t id) {
-    idStatus->vrfIdToNameDel(VrfId(id));
-    names->vrfNameToIdDel(L3::VrfName(vrf));
-  }
   // The RIB's via metric entry of a VRF and transport (any protocol's table under it).
   void metricIs(std::uint32_t id, Transport t, bool mc = false) {
     (mc ? mcMetrics : metrics)
@@ -114,24 +91,8 @@ class RootSmTest : public RuntimeFixture {
     return allTriggers->vrfRibSeqTrigger(L3::VrfName(vrf));
   }
 
-  Cairn::EntityManager em;
   Cairn::MountGroup mg{&em};
-  ZelSharedMem::EntityManager shmem;
   ZelSharedMem::MountGroup shmemMg{&shmem};
-  Quill::Ptr<Vrf::VrfIdMap::NameToIdMapWrapper> nameStatus = Vrf::VrfIdMap::NameToIdMapWrapper::NameToIdMapWrapperIs();
-  Quill::Ptr<Vrf::VrfIdMap::NameToIdMap> names = Vrf::VrfIdMap::NameToIdMap::NameToIdMapIs();
-  Quill::Ptr<Vrf::VrfIdMap::Status> idStatus = Vrf::VrfIdMap::Status::StatusIs();
-  Quill::Ptr<Ip::Status> ip4 = Ip::Status::StatusIs();
-  Quill::Ptr<Ip6::Status> ip6 = Ip6::Status::StatusIs();
-  Quill::Ptr<Routing::Rib::LoopingRouteStatusByVrf> looping4 = Routing::Rib::LoopingRouteStatusByVrf::LoopingRouteStatusByVrfIs();
-  Quill::Ptr<Routing::Rib::LoopingRouteStatusByVrf> looping6 = Routing::Rib::LoopingRouteStatusByVrf::LoopingRouteStatusByVrfIs();
-  Quill::Ptr<Routing::Rib::LoopingRouteStatusByVrf> mcLooping4 =
-      Routing::Rib::LoopingRouteStatusByVrf::LoopingRouteStatusByVrfIs();
-  Quill::Ptr<Routing::Rib::LoopingRouteStatusByVrf> mcLooping6 =
-      Routing::Rib::LoopingRouteStatusByVrf::LoopingRouteStatusByVrfIs();
-  Quill::Ptr<Routing::Rib::ViaMetricStatusByVrf> metrics = Routing::Rib::ViaMetricStatusByVrf::ViaMetricStatusByVrfIs();
-  Quill::Ptr<Routing::Rib::ViaMetricStatusByVrf> mcMetrics =
-      Routing::Rib::ViaMetricStatusByVrf::ViaMetricStatusByVrfIs();
   Quill::Ptr<Routing::Protocol::AllVrfReadyStatus> allReady = Routing::Protocol::allVrfReadyStatusFactory();
   Quill::Ptr<Routing::Protocol::AllVrfRibSeqTrigger> allTriggers = Routing::Protocol::allVrfRibSeqTriggerFactory();
   Quill::Ptr<RootSm> root;

@@ -1,5 +1,5 @@
-// The route status store: what each mutator publishes, the invariants of the via types, and that
-// the store holds the RIB vias alive exactly as long as it references them.
+// The route status store: the invariants of the via types, the previous BFD address a reader is
+// told, and that the store holds the RIB vias alive exactly as long as it references them.
 #include "protocol/ProtocolRouteStatus.h"
 
 #include <gtest/gtest.h>
@@ -45,45 +45,6 @@ class ProtocolRouteStatusTest : public BowlineTest::RuntimeFixture {
     return vias->dedupViaIs(Rib::ViaContent(addr(hop), Ondex::IntfId()), Vrf::VrfIdMap::VrfId(0));
   }
 };
-
-TEST_F(ProtocolRouteStatusTest, NewRecordsHaveTheirDefaults) {
-  auto dir = RouteStatusDir::RouteStatusDirIs();
-  auto status = dir->statusIs(RouteStatusKey{Vrf::VrfIdMap::VrfId(7), Ondex::AddressFamily::ipv4});
-  auto route = status->routeIs(pfx("10.0.0.0/8"));
-  EXPECT_EQ(route->srcVrfId(), Vrf::VrfIdMap::VrfId(0xffffff));
-  EXPECT_EQ(route->routeChangedVersion(), 0);
-  EXPECT_EQ(route->routePrefSize(), 0u);
-  auto pref = route->routePrefIs(RoutePreference(5));
-  EXPECT_TRUE(pref->installInFib());
-  EXPECT_EQ(pref->fecType(), 0);
-  EXPECT_EQ(pref->fibRouteType(), 0);
-  EXPECT_EQ(pref->tag(), 0u);
-  EXPECT_FALSE(pref->routeAttributes().hasValue());
-  EXPECT_EQ(pref->dedupViaKeyByViaTypeSize(), 0u);
-  EXPECT_EQ(pref->dedupViaSetKey(), nullptr);
-  EXPECT_FALSE(status->initialized());
-}
-
-TEST_F(ProtocolRouteStatusTest, ChangedVersionWrapsAndSilentSetsPublishNothing) {
-  auto dir = RouteStatusDir::RouteStatusDirIs();
-  auto route = dir->statusIs(RouteStatusKey{Vrf::VrfIdMap::VrfId(0), Ondex::AddressFamily::ipv4})->routeIs(pfx("1.0.0.0/8"));
-  auto ear = Ear<Route>::EarIs(route);
-  route->routeChangedVersionIs(255);
-  EXPECT_EQ(route->routeChangedVersionInc(1), 0) << "wraps at 256";
-  route->routeChangedVersionInc(0);  // silent
-  route->srcVrfIdIs(Vrf::VrfIdMap::VrfId(3));
-  route->srcVrfIdIs(Vrf::VrfIdMap::VrfId(3));  // silent
-  EXPECT_EQ(ear->ids, (std::vector<Zel::AttrId>{Route::routeChangedVersionId, Route::routeChangedVersionId,
-                                                Route::srcVrfIdId}));
-
-  auto pref = route->routePrefIs(RoutePreference(1));
-  auto prefEar = Ear<RoutePref>::EarIs(pref);
-  RouteAttributes attrs;
-  pref->routeAttributesIs(RouteAttributesOpt(attrs));
-  pref->routeAttributesIs(RouteAttributesOpt(attrs));  // same value: silent
-  pref->routeAttributesIs(RouteAttributesOpt());       // absent differs from present-and-empty
-  EXPECT_EQ(prefEar->ids, (std::vector<Zel::AttrId>{RoutePref::routeAttributesId, RoutePref::routeAttributesId}));
-}
 
 TEST_F(ProtocolRouteStatusTest, ViaTypesStayNonEmptyAndOrdered) {
   auto dir = RouteStatusDir::RouteStatusDirIs();
@@ -153,17 +114,6 @@ TEST_F(ProtocolRouteStatusTest, StoreHoldsRibViasExactlyAsLongAsItReferencesThem
   }
   EXPECT_EQ(vias->dedupViaKey(Rib::ViaContent(addr("10.1.1.1"), Ondex::IntfId()), Vrf::VrfIdMap::VrfId(0)), nullptr)
       << "the via leaves the RIB table with the store's last reference";
-}
-
-TEST(RouteStatusKeyTest, TextFormAndOrder) {
-  RouteStatusKey k{Vrf::VrfIdMap::VrfId(12), Ondex::AddressFamily::ipv6};
-  std::string text = valueToStrep(k);
-  EXPECT_EQ(text.rfind("Value('Routing::Protocol::RouteStatusKey', ** {'vrfId': 12, 'af': ", 0), 0u) << text;
-  EXPECT_EQ(RouteStatusKey::fromStrep(text), k);
-  EXPECT_FALSE(RouteStatusKey::fromStrep("Value('Routing::Protocol::RouteStatusKey', ** {'vrfId': x})"));
-  EXPECT_LT((RouteStatusKey{Vrf::VrfIdMap::VrfId(1), Ondex::AddressFamily::ipv6}),
-            (RouteStatusKey{Vrf::VrfIdMap::VrfId(2), Ondex::AddressFamily::ipv4}));
-  EXPECT_LT(ViaType(viaIntfOnly), ViaType(viaDefault));
 }
 
 }  // namespace

@@ -4,14 +4,12 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <map>
 #include <set>
 #include <string>
 #include <vector>
 
 #include "support/RuntimeFixture.h"
-#include "RecordRecorder.h"
 
 namespace BowlineTest {
 namespace {
@@ -87,25 +85,6 @@ TEST_F(NhgNameRouteKeyMapTest, DeleteUnderAStaleNameStillRemovesTheKey) {
   // The route's group was renamed to g2 but the index was not told before the route went.
   m->deleteNhgNameRouteKeyMap(a, "g2");
   EXPECT_EQ(contents(*m), (Contents{{"g2", {"10.0.1.0/24 pref 1"}}}));
-}
-
-TEST_F(NhgNameRouteKeyMapTest, ListsComeAndGoWithNotifications) {
-  auto m = NhgNameRouteKeyMap::NhgNameRouteKeyMapIs();
-  auto rec = RecordRecorder<NhgNameRouteKeyMap>::RecordRecorderIs(m);
-  std::vector<std::string> lists;
-  rec->react = [&](Zel::AttrId id, void const* k) {
-    if (id != NhgNameRouteKeyMap::nhgNameToRouteKeyListId) return;
-    auto const& name = *static_cast<Zel::String const*>(k);
-    lists.push_back((m->nhgNameToRouteKeyListHas(name) ? "+" : "-") + name.str());
-  };
-  RouteKey const a = key("10.0.0.0/24");
-  m->addOrUpdateNhgNameRouteKeyMap(a, "g1");
-  auto g1 = m->nhgNameToRouteKeyList("g1");
-  m->addOrUpdateNhgNameRouteKeyMap(a, "g1");
-  m->addOrUpdateNhgNameRouteKeyMap(a, "g2");
-  m->deleteNhgNameRouteKeyMap(a, "g2");
-  EXPECT_EQ(lists, (std::vector<std::string>{"+g1", "-g1", "+g2", "-g2"}));
-  EXPECT_TRUE(g1->zelMarkedForDeletion()) << "a removed list is a zombie to its watchers";
 }
 
 TEST_F(NhgNameRouteKeyMapTest, ManyRoutesOverManyGroupsReleaseEverything) {

@@ -40,32 +40,19 @@ class IpViaConfigTest : public RuntimeFixture {
 TEST_F(IpViaConfigTest, EqualContentInOneVrfIsOneEntryAndOneHandle) {
   auto a = table->dedupViaIs(hop(0x0a000001), 5);
   auto again = table->dedupViaIs(hop(0x0a000001), 5);
-  ASSERT_TRUE(a);
   EXPECT_EQ(a, again) << "the same content in the same VRF gives the same handle";
   ViaKey const k = a->viaKey();
-  EXPECT_NE(k.id(), 0u);
-  EXPECT_EQ(k.vrfId(), VrfId(5));
-  EXPECT_EQ(k.routingProtocol().value(), 2);
-  EXPECT_EQ(k.transport().value(), 1);
+  EXPECT_EQ(k, ViaKey(k.id(), 5, 2, 1));
 
   auto otherVrf = table->dedupViaIs(hop(0x0a000001), 6);
   auto otherWeight = table->dedupViaIs(hop(0x0a000001, "Ethernet1", 2.0f), 5);
   auto otherIntf = table->dedupViaIs(hop(0x0a000001, "Ethernet2"), 5);
-  EXPECT_NE(otherVrf->viaKey(), k);
-  EXPECT_EQ(otherVrf->viaKey().vrfId(), VrfId(6));
-  EXPECT_NE(otherWeight->viaKey(), k);
-  EXPECT_NE(otherIntf->viaKey(), k);
-  EXPECT_EQ(table->viaSize(), 4u);
-
-  Via const stored = table->via(k);
-  EXPECT_EQ(stored.viaKey(), k);
-  EXPECT_EQ(stored.content(), hop(0x0a000001));
+  EXPECT_EQ(table->via(k), Via(k, hop(0x0a000001)));
   EXPECT_EQ(rec->keys, (std::vector<ViaKey>{k, otherVrf->viaKey(), otherWeight->viaKey(), otherIntf->viaKey()}))
       << "one notification per new entry, none for a repeated content";
 
   ViaKey absent(999, 5, 2, 1);
   EXPECT_EQ(table->via(absent), Via(absent)) << "an absent key reads as the default via of that key";
-  EXPECT_EQ(table->viaFind(absent), nullptr);
 }
 
 TEST_F(IpViaConfigTest, LastHandleTakesTheEntryWithIt) {
@@ -82,7 +69,6 @@ TEST_F(IpViaConfigTest, LastHandleTakesTheEntryWithIt) {
   EXPECT_EQ(rec->keys, std::vector<ViaKey>{k}) << "the removal is published";
 
   EXPECT_FALSE(table->dedupViaKey(hop(0x0a000001), 0)) << "the look-up never creates";
-  EXPECT_EQ(table->viaSize(), 0u);
   auto fresh = table->dedupViaIs(hop(0x0a000001), 0);
   EXPECT_NE(fresh->viaKey(), k) << "a new entry gets a new id";
   EXPECT_EQ(table->dedupViaKey(hop(0x0a000001), 0), fresh);
@@ -174,7 +160,6 @@ TEST_F(IpViaConfigTest, IdsComeFromTheGivenAllocatorAndSkipIdsInUse) {
   auto alloc = IdAllocator::IdAllocatorIs(3);
   alloc->currentIdIs(1);
   auto t = ViaConfig::ViaConfigIs(4, 2, alloc);
-  EXPECT_EQ(t->idAllocator(), alloc);
   auto a = t->dedupViaIs(hop(1), 0);
   auto b = t->dedupViaIs(hop(2), 0);
   EXPECT_EQ(a->viaKey().id(), 2u);

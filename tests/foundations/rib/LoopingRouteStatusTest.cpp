@@ -1,5 +1,5 @@
-// What the RIB tells of loops: the per-VRF sets of looping prefixes and their notifications, and
-// the dependency graph's looping-route answer with its whole-graph notification.
+// What the RIB tells of loops: the dependency graph's looping-route answer with its whole-graph
+// notification.
 #include "foundations/rib/LoopingRouteStatus.h"
 
 #include <gtest/gtest.h>
@@ -13,34 +13,12 @@ namespace {
 
 using Ondex::IpGenPrefix;
 using Routing::MetricPref;
-using Routing::Rib::LoopingRouteStatus;
-using Routing::Rib::LoopingRouteStatusByVrf;
 using Routing::Rib::ViaKey;
 using Routing::Rib::Ip::GlobalNextHopDependencyGraph;
 
 IpGenPrefix prefix(std::string_view text) { return IpGenPrefix::fromString(text).value_or(IpGenPrefix()); }
 
 class LoopingRouteStatusTest : public RuntimeFixture {};
-
-TEST_F(LoopingRouteStatusTest, LoopingPrefixesArePublishedPerVrfAndPerPrefix) {
-  auto byVrf = LoopingRouteStatusByVrf::LoopingRouteStatusByVrfIs();
-  auto vrfRec = KeyRecorder<LoopingRouteStatusByVrf, L3::VrfName>::KeyRecorderIs(byVrf, LoopingRouteStatusByVrf::vrfStatusId);
-  auto red = byVrf->vrfStatusIs("red");
-  EXPECT_EQ(red->vrfName(), L3::VrfName("red"));
-  EXPECT_EQ(byVrf->vrfStatus("red"), red);
-  EXPECT_FALSE(byVrf->vrfStatus("blue"));
-
-  auto rec = KeyRecorder<LoopingRouteStatus, IpGenPrefix>::KeyRecorderIs(red, LoopingRouteStatus::loopingRouteId);
-  red->loopingRouteIs(prefix("10.0.0.0/8"));
-  red->loopingRouteIs(prefix("10.0.0.0/8"));  // present: silent
-  red->loopingRouteIs(prefix("2001:db8::/64"));
-  red->loopingRouteDel(prefix("10.0.0.0/8"));
-  EXPECT_EQ(rec->keys, (std::vector<IpGenPrefix>{prefix("10.0.0.0/8"), prefix("2001:db8::/64"), prefix("10.0.0.0/8")}));
-  EXPECT_TRUE(red->loopingRouteHas(prefix("2001:db8::/64")));
-
-  byVrf->vrfStatusDel("red");
-  EXPECT_EQ(vrfRec->keys, (std::vector<L3::VrfName>{"red", "red"}));
-}
 
 TEST_F(LoopingRouteStatusTest, DependencyGraphAnswersFromItsMarksOrItsCallbackAndNotifiesAsAWhole) {
   auto graph = GlobalNextHopDependencyGraph::GlobalNextHopDependencyGraphIs();
@@ -71,7 +49,6 @@ TEST_F(LoopingRouteStatusTest, DependencyGraphAnswersFromItsMarksOrItsCallbackAn
   graph->loopingViaDelAll();          // already empty: no change
   EXPECT_FALSE(graph->loopingRoute(p, MetricPref(0, 1), 5, via, 0, 0, false));
   EXPECT_EQ(rec->keys.size(), 3u) << "each change of the graph is one notification";
-  EXPECT_EQ(GlobalNextHopDependencyGraph::mountPath("mrib"), Quill::String("routing/mrib/nextHopDependencyGraph"));
 }
 
 }  // namespace

@@ -52,21 +52,12 @@ TEST_F(FlitTest, StatementRegistersItsMessageOnce) {
   std::size_t const before = Flit::msgCount();
   for (int i = 0; i < 3; ++i) addedRoute(i, "10.0.0.0/8");
   ASSERT_EQ(Flit::msgCount(), before + 1) << "three runs of one statement, one message";
-  Flit::MsgDesc const* desc = Flit::msgDesc(std::uint32_t(before + 1));
-  ASSERT_NE(desc, nullptr);
-  EXPECT_EQ(desc->id, before + 1);
-  EXPECT_EQ(desc->format, "Vrf: {}, added {}");
-  EXPECT_EQ(desc->facility, "Test::FlitTest");
-  EXPECT_EQ(desc->level, 2);
-  EXPECT_TRUE(std::string(desc->file).ends_with("FlitTest.cpp")) << desc->file;
-  EXPECT_GT(desc->line, 0);
+  EXPECT_EQ(Flit::msgDesc(std::uint32_t(before + 1))->format, "Vrf: {}, added {}");
 
   int const line = __LINE__ + 1;
   FLIT(2, "another {}", 1);
   ASSERT_EQ(Flit::msgCount(), before + 2) << "another statement, another message";
   EXPECT_EQ(Flit::msgDesc(std::uint32_t(before + 2))->line, line);
-  EXPECT_EQ(Flit::msgDesc(0), nullptr);
-  EXPECT_EQ(Flit::msgDesc(std::uint32_t(before + 3)), nullptr);
 
   EXPECT_EQ(ring().lines(2), (std::vector<std::string>{
                                  "Test::FlitTest[2] Vrf: 0, added 10.0.0.0/8",
@@ -89,9 +80,6 @@ TEST_F(FlitTest, RingKeepsTheNewestWhenItWraps) {
 
   ring().clear();
   EXPECT_TRUE(ring().lines(1).empty());
-  EXPECT_EQ(ring().writeCount(1), 0u);
-  EXPECT_TRUE(ring().lines(-1).empty());
-  EXPECT_TRUE(ring().lines(16).empty());
 }
 
 TEST_F(FlitTest, DumpFormatsTheStoredArguments) {
@@ -174,17 +162,10 @@ TEST_F(FlitTest, DualogWritesToBothBackEnds) {
   // Neither: nothing evaluated.
   DUALOG(6, "neither {}", counted());
   EXPECT_EQ(calls, 3);
-  EXPECT_EQ(traced.size(), 2u);
-  EXPECT_EQ(ring().writeCount(6), 0u);
 
-  // The converter itself, as a statement uses it, with an explicit handle.
+  // An explicit handle.
   Zel::TraceHandle& other = Zel::traceHandle("Test::FlitTest::Other");
   other.maskIs(bit(0));
-  other.flitMaskIs(bit(0));
-  static constinit Flit::MsgSite site;
-  Dualog::FlitConverter(other, 0, site, "x.cpp", 7, "fn")("direct {}", 4);
-  EXPECT_EQ(traced.back(), "Test::FlitTest::Other[0] direct 4");
-  EXPECT_EQ(ring().lines(0, true), (std::vector<std::string>{"Test::FlitTest::Other[0] direct 4 (x.cpp:7)"}));
   DUALOG_H(other, 0, "via macro");
   EXPECT_EQ(traced.back(), "Test::FlitTest::Other[0] via macro");
 }

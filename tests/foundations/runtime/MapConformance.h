@@ -95,45 +95,6 @@ std::vector<int> fill(M& m, int n, int stride = 3) {
   return inOrder(m, keys);
 }
 
-// The backlog run of the runtime's task bodies: swap the live set into a snapshot, walk from the
-// bookmark (wrapping to the start), stop after `quota` keys, cut the handled range off the
-// snapshot, remember the next key and merge the rest back into the live set.
-template <class M, class Handler>
-std::size_t backlogRun(M& live, std::optional<int>& bookmark, std::size_t quota, Handler handle) {
-  M snapshot;
-  snapshot.swap(live);
-  std::optional<int> start = bookmark;
-  auto it = start ? snapshot.iteratorAt(*start) : snapshot.iterator();
-  bool wrapped = false;
-  std::size_t handled = 0;
-  for (;;) {
-    if (!it && start && !wrapped) {
-      wrapped = true;
-      it = snapshot.iterator();
-    }
-    if (!it || (wrapped && !snapshot.orderLess(it.key(), *start))) break;
-    if (handled == quota) {
-      int next = it.key();
-      if (!start) {
-        snapshot.eraseBefore(next);
-      } else if (wrapped) {
-        snapshot.eraseFrom(*start);
-        snapshot.eraseBefore(next);
-      } else {
-        snapshot.eraseRange(*start, next);
-      }
-      bookmark = next;
-      live.updateG(std::move(snapshot));
-      return handled;
-    }
-    handle(it.key());
-    ++handled;
-    ++it;
-  }
-  bookmark.reset();
-  return handled;
-}
-
 }  // namespace MapConformance
 
 template <class M>
@@ -151,25 +112,14 @@ using namespace MapConformance;  // NOLINT(google-build-using-namespace): test-o
 
 TYPED_TEST_P(MapConformanceTest, LookupInsertEraseKeepAddressesStable) {
   TypeParam m;
-  EXPECT_TRUE(m.empty());
-  EXPECT_TRUE(m.iterator().done());
   EXPECT_FALSE(m.erase(3));
-  std::vector<int> keys = fill(m, 100);
-  EXPECT_EQ(m.size(), 100u);
-  EXPECT_TRUE(m.contains(297));
-  EXPECT_FALSE(m.contains(298));
+  fill(m, 100);
   EXPECT_FALSE(add(m, 30)) << "a present key is not inserted again";
-  EXPECT_EQ(m.size(), 100u);
   if constexpr (!kIsSet<TypeParam>) {
-    auto [value, inserted] = m.tryEmplace(30, 7);
-    EXPECT_FALSE(inserted);
-    EXPECT_EQ(value->v, 300) << "tryEmplace of a present key keeps its value";
-    EXPECT_EQ(m.find(30), value);
-    EXPECT_EQ(m.find(31), nullptr);
+    EXPECT_EQ(m.tryEmplace(30, 7).first->v, 300) << "tryEmplace of a present key keeps its value";
     std::optional<Tracked> out = m.extract(33);
     ASSERT_TRUE(out.has_value());
     EXPECT_EQ(out->v, 330);
-    EXPECT_FALSE(m.contains(33));
     EXPECT_FALSE(m.extract(33).has_value());
     add(m, 33);
   }
@@ -186,26 +136,14 @@ TYPED_TEST_P(MapConformanceTest, LookupInsertEraseKeepAddressesStable) {
   EXPECT_EQ(m.size(), 100u + 6667u - 50u);
 
   m.clear();
-  EXPECT_TRUE(m.empty());
   EXPECT_TRUE(m.iterator().done());
-  EXPECT_FALSE(m.contains(0));
   EXPECT_TRUE(add(m, 0)) << "a cleared map is usable again";
 }
 
 TYPED_TEST_P(MapConformanceTest, WalkVisitsEachElementOnceInOrder) {
   TypeParam m;
-  int rangeSteps = 0;
-  for (auto const& e : m) rangeSteps += 1 + e.key();
-  EXPECT_EQ(rangeSteps, 0);
-
   std::vector<int> expected = fill(m, 500);
   EXPECT_EQ(walk(m), expected);
-  std::vector<int> viaRange;
-  for (auto const& e : m) {
-    EXPECT_EQ(valueAt(e), e.key());
-    viaRange.push_back(e.key());
-  }
-  EXPECT_EQ(viaRange, expected);
   TypeParam const& cm = m;
   std::vector<int> viaConstRange;
   for (auto const& e : cm) viaConstRange.push_back(e.currNodeMaybeStale());
@@ -226,58 +164,17 @@ TYPED_TEST_P(MapConformanceTest, WalkVisitsEachElementOnceInOrder) {
 
   auto it = m.iteratorAt(expected.back());
   ++it;
-  EXPECT_TRUE(it.done());
   it.advance();
   EXPECT_TRUE(it.done()) << "a done iterator stays done";
-  typename TypeParam::ConstIterator converted = m.iteratorAt(expected[5]);
-  EXPECT_EQ(converted.key(), expected[5]);
 }
 
-TYPED_TEST_P(MapConformanceTest, EraseDuringWalkStillAdvances) {
+TYPED_TEST_P(MapConformanceTest, EraseAndReinsertOfTheCurrentElementIsNotVisitedTwice) {
   TypeParam m;
-  std::vector<int> expected = fill(m, 400);
-
-  // Erase every other element under the iterator: the walk still sees every element once.
+  std::vector<int> expected;
   std::vector<int> seen;
-  std::vector<int> kept;
-  bool drop = true;
-  for (auto it = m.iterator(); it; ++it) {
-    int k = it.key();
-    seen.push_back(k);
-    EXPECT_EQ(valueAt(it), k);
-    if (drop) {
-      EXPECT_TRUE(m.erase(it.key()));
-      EXPECT_EQ(it.currNodeMaybeStale(), k) << "the key stays readable after its element went";
-    } else {
-      kept.push_back(k);
-    }
-    drop = !drop;
-  }
-  EXPECT_EQ(seen, expected);
-  EXPECT_EQ(walk(m), kept);
-
-  // Erase elements ahead of the iterator (not visited) and behind it (no effect on the walk).
-  seen.clear();
-  std::vector<int> survivors;
-  auto indexOf = [&kept](int k) {
-    return std::size_t(std::find(kept.begin(), kept.end(), k) - kept.begin());
-  };
-  for (auto it = m.iterator(); it; ++it) {
-    seen.push_back(it.key());
-    std::size_t j = indexOf(it.key());
-    if (j % 3 == 0 && j + 2 < kept.size()) m.erase(kept[j + 2]);
-    if (j >= 1) m.erase(kept[j - 1]);
-  }
-  for (std::size_t j = 0; j < kept.size(); ++j) {
-    bool erasedAhead = j >= 2 && (j - 2) % 3 == 0;
-    if (!erasedAhead) survivors.push_back(kept[j]);
-  }
-  EXPECT_EQ(seen, survivors);
-
   // Erase the current element and insert it again: it is not visited twice, and is live again.
-  m.clear();
+  // (Other erases under a walk are in RandomMutationDuringWalkMatchesModel.)
   expected = fill(m, 50);
-  seen.clear();
   for (auto it = m.iterator(); it; ++it) {
     seen.push_back(it.key());
     m.erase(it.key());
@@ -297,7 +194,6 @@ TYPED_TEST_P(MapConformanceTest, EraseAllDuringWalkLeavesItEmpty) {
     ++visited;
   }
   EXPECT_EQ(visited, expected.size());
-  EXPECT_TRUE(m.empty());
   EXPECT_TRUE(m.iterator().done());
 
   // The same with clear() in the middle of a walk: the walk ends at once.
@@ -403,22 +299,13 @@ TYPED_TEST_P(MapConformanceTest, RangeDeletesCutTheOrder) {
   m.eraseBefore(b);
   EXPECT_EQ(walk(m), keysWhere([&](int k) { return !m.orderLess(k, b); }));
   reset();
-  m.eraseBefore(absent);
-  EXPECT_EQ(walk(m), keysWhere([&](int k) { return m.orderLess(absent, k); }));
-  reset();
   m.eraseRange(a, b);
   EXPECT_EQ(walk(m), keysWhere([&](int k) { return m.orderLess(k, a) || !m.orderLess(k, b); }));
-  EXPECT_EQ(m.size(), 120u);
 
   reset();
   m.eraseRange(b, a);
   m.eraseRange(a, a);
   EXPECT_EQ(walk(m), order) << "an empty range erases nothing";
-  m.eraseFrom(order.front());
-  EXPECT_TRUE(m.empty());
-  m.eraseBefore(a);
-  m.eraseRange(a, b);
-  EXPECT_TRUE(m.empty());
 
   // An iterator inside a deleted range moves to the first survivor after it.
   reset();
@@ -447,8 +334,6 @@ TYPED_TEST_P(MapConformanceTest, SwapAndUpdateGMoveEverything) {
   EXPECT_TRUE(b.empty());
   EXPECT_EQ(walk(c), aKeys);
   EXPECT_EQ(elementAddress(c, 3), at3);
-  add(b, 99);
-  EXPECT_EQ(walk(b), std::vector<int>{99}) << "the source is usable after the merge";
 
   // Into a non-empty map: keys present keep this map's value; the others move over unchanged.
   TypeParam d;
@@ -461,50 +346,10 @@ TYPED_TEST_P(MapConformanceTest, SwapAndUpdateGMoveEverything) {
   EXPECT_TRUE(d.empty());
   std::vector<int> all;
   for (int k = 0; k < 15; ++k) all.push_back(k);
-  EXPECT_EQ(walk(c).size(), 15u);
   EXPECT_EQ(walk(c), inOrder(c, all));
   EXPECT_EQ(elementAddress(c, 12), at12);
   if constexpr (!kIsSet<TypeParam>) {
     EXPECT_EQ(c.find(5)->v, 50) << "the receiving map's value wins";
-  }
-  c.updateG(std::move(d));
-  EXPECT_EQ(c.size(), 15u) << "merging an empty map changes nothing";
-}
-
-TYPED_TEST_P(MapConformanceTest, BacklogRunsHandleEachDirtyKeyOnce) {
-  TypeParam live;
-  std::optional<int> bookmark;
-  std::set<int> owed;  // marked since last handled
-  std::vector<int> marks(1200);
-  std::vector<int> handles(1200);
-  std::mt19937 rng(5);
-  auto mark = [&](int k) {
-    add(live, k);
-    owed.insert(k);
-    ++marks[std::size_t(k)];
-  };
-  for (int k = 0; k < 1000; ++k) mark(k);
-
-  int runs = 0;
-  while (!live.empty()) {
-    ASSERT_LT(++runs, 1000) << "the backlog does not drain";
-    std::size_t before = live.size();
-    std::set<int> thisRun;
-    std::size_t handled = backlogRun(live, bookmark, 37, [&](int k) {
-      EXPECT_TRUE(thisRun.insert(k).second) << "run " << runs << " handled " << k << " twice";
-      ++handles[std::size_t(k)];
-      owed.erase(k);
-      // Handlers mark further keys, handled ones and pending ones alike.
-      if (rng() % 4 == 0) mark(int(rng() % 1200));
-    });
-    EXPECT_EQ(handled, std::min<std::size_t>(37, before)) << "run " << runs;
-    for (int k : owed) EXPECT_TRUE(live.contains(k)) << "run " << runs << " lost " << k;
-  }
-  EXPECT_TRUE(owed.empty());
-  EXPECT_FALSE(bookmark.has_value());
-  for (std::size_t k = 0; k < marks.size(); ++k) {
-    EXPECT_LE(handles[k], marks[k]) << "key " << k << " handled more often than marked";
-    EXPECT_EQ(handles[k] > 0, marks[k] > 0) << "key " << k;
   }
 }
 
@@ -559,9 +404,9 @@ TYPED_TEST_P(MapConformanceTest, ReadingAnErasedElementEndsTheProcess) {
 }
 
 REGISTER_TYPED_TEST_SUITE_P(MapConformanceTest, LookupInsertEraseKeepAddressesStable,
-                            WalkVisitsEachElementOnceInOrder, EraseDuringWalkStillAdvances,
+                            WalkVisitsEachElementOnceInOrder, EraseAndReinsertOfTheCurrentElementIsNotVisitedTwice,
                             EraseAllDuringWalkLeavesItEmpty, InsertDuringWalkIsVisitedIffAfter,
                             ResumeFromSavedKeyAfterErases, ResumeAcrossGrowthVisitsExactlyTheKeysAfter,
                             RangeDeletesCutTheOrder, SwapAndUpdateGMoveEverything,
-                            BacklogRunsHandleEachDirtyKeyOnce, RandomMutationDuringWalkMatchesModel,
+                            RandomMutationDuringWalkMatchesModel,
                             ReadingAnErasedElementEndsTheProcess);

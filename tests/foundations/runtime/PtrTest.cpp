@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include "foundations/runtime/Exception.h"
 #include "foundations/runtime/Slab.h"
 #include "foundations/runtime/String.h"
 #include "support/TestRecords.h"
@@ -49,29 +48,11 @@ TEST(PtrTest, ThreadSafeCountsBehaveTheSame) {
 
 TEST(PtrTest, StringsShareAndCompareByText) {
   Quill::String a("red");
-  Quill::String b = a;
   Quill::String c(std::string("re") + "d");
-  EXPECT_EQ(a, b);
   EXPECT_EQ(a, c);
   EXPECT_EQ(a.hash(7), c.hash(7));
-  EXPECT_NE(a.hash(7), a.hash(8));
-  EXPECT_LT(Quill::String("blue"), a);
   EXPECT_EQ(a.addLeft("dark").view(), "darkred");
   EXPECT_EQ(a.addRight("dish").view(), "reddish");
-  EXPECT_TRUE(Quill::String().empty());
-  EXPECT_EQ(Quill::String("").size(), 0u);
-}
-
-TEST(PtrTest, RangeTextsAreTheRuntimes) {
-  EXPECT_EQ(Zel::rangeText("Routing::Rib::Skein::ViaIndex"),
-            "Routing::Rib::Skein::ViaIndex::value < Routing::Rib::Skein::ViaIndex::min or > "
-            "Routing::Rib::Skein::ViaIndex::max not allowed");
-  try {
-    Zel::throwRangeException("Zel::String::bytes > maxLength() not allowed");
-    FAIL();
-  } catch (Zel::RangeException const& e) {
-    EXPECT_STREQ(e.what(), "Zel::String::bytes > maxLength() not allowed");
-  }
 }
 
 TEST(PtrDeathTest, BrokenInvariantEndsTheProcessWithItsText) {

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <random>
 #include <set>
 
 #include "foundations/runtime/WalkSmBase.h"
@@ -66,6 +67,34 @@ TEST_F(TaskSchedulerTest, BacklogYieldsResumesAndLosesNothing) {
   EXPECT_EQ(sm->handled.size(), 12u) << "no key handled twice within one pass";
   EXPECT_FALSE(sm->workBookmark().has_value());
   EXPECT_EQ(sm->workTask()->taskWorkCount(), 12u);
+}
+
+TEST_F(TaskSchedulerTest, KeysMarkedAtRandomWhileTheBacklogRunsAreHandledOnceEach) {
+  scheduler()->yieldPolicyIs(Halyard::YieldPolicy::afterItemsOf(37));
+  auto sm = BacklogSm::BacklogSmIs();
+  std::mt19937 rng(5);
+  std::set<int> owed;  // marked since last handled
+  std::vector<int> marks(1200);
+  std::vector<int> handles(1200);
+  auto mark = [&](int k) {
+    sm->add(k);
+    owed.insert(k);
+    ++marks[std::size_t(k)];
+  };
+  for (int k = 0; k < 1000; ++k) mark(k);
+  std::set<int> thisRun;
+  sm->onHandle = [&](int k) {
+    EXPECT_TRUE(thisRun.insert(k).second) << k << " handled twice in one run";
+    ++handles[std::size_t(k)];
+    owed.erase(k);
+    if (rng() % 4 == 0) mark(int(rng() % 1200));  // handled keys and pending ones alike
+  };
+  for (int runs = 0; scheduler()->runOnce(); thisRun.clear()) ASSERT_LT(++runs, 1000) << "the backlog does not drain";
+  EXPECT_TRUE(owed.empty());
+  for (std::size_t k = 0; k < marks.size(); ++k) {
+    EXPECT_LE(handles[k], marks[k]) << "key " << k << " handled more often than marked";
+    EXPECT_EQ(handles[k] > 0, marks[k] > 0) << "key " << k;
+  }
 }
 
 TEST_F(TaskSchedulerTest, BacklogResumesAfterItsBookmarkInOrder) {

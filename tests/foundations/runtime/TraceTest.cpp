@@ -110,7 +110,6 @@ TEST_F(TraceTest, LevelsSetByNameBeforeAndAfterTheHandleExists) {
   EXPECT_EQ(Zel::traceHandle("Test::Later::Other").mask(), bit(3));
   EXPECT_EQ(Zel::traceHandle("Test::Laterish").mask(), 0) << "'*' only matches what follows the prefix";
   EXPECT_EQ(&Zel::traceHandle("Test::Later::Sm"), &later) << "one handle per name";
-  EXPECT_EQ(registry.handleIfExists("Test::Later::Sm"), &later);
 
   // Changing a rule reaches the existing handles it names, and only those.
   Zel::traceHandle("Test::Direct").maskIs(bit(5));
@@ -129,7 +128,6 @@ TEST_F(TraceTest, LevelsSetByNameBeforeAndAfterTheHandleExists) {
 
   // A bad pattern changes nothing and says why.
   EXPECT_NE(Zel::traceLevelsIs("Test::*::Sm", 0xffff), "");
-  EXPECT_NE(Zel::traceLevelsIs("", 0xffff), "");
   EXPECT_EQ(later.mask(), bit(8));
 
   // The handles are listed in name order.
@@ -220,9 +218,7 @@ TEST_F(TraceTest, UserTypesInBothForms) {
   Quill::fmtrace(handle(), 6, "file.cpp", "handleRoute", 12, "Vrf: red, ", "handleRoute {}", prefix);
   Quill::fmtrace(handle(), 7, "file.cpp", "handleRoute", 12, "Vrf: red, ", "handleRoute {}", prefix);
   ASSERT_EQ(lines.size(), 4u);
-  EXPECT_EQ(lines[3], "Test::TraceTest[6] Vrf: red, handleRoute 10.0.0.0/8");
-  EXPECT_EQ(located[3], lines[3] + " (file.cpp:12)");
-  EXPECT_EQ(functions[3], "handleRoute");
+  EXPECT_EQ(located[3], "Test::TraceTest[6] Vrf: red, handleRoute 10.0.0.0/8 (file.cpp:12)");
 }
 
 TEST_F(TraceTest, ExplicitHandleWritesToItsOwnRegistry) {

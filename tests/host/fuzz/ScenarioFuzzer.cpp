@@ -1,7 +1,5 @@
 #include "host/fuzz/ScenarioFuzzer.h"
 
-#include "host/fuzz/ScenarioReducer.h"
-
 #include <algorithm>
 #include <cstdlib>
 #include <fstream>

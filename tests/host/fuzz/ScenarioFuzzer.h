@@ -31,7 +31,7 @@ struct FuzzOptions {
   double timeoutSeconds = 20;          // the watchdog, per process
   unsigned brokenPercent = 40;         // the share of broken scenarios
   unsigned runs = 2;                   // text runs of an accepted scenario compared with each other
-  bool reduce = false;                 // shrink each failing scenario (ScenarioReducer.h) and keep it too
+  bool reduce = false;                 // shrink each failing scenario (reduceScenario) and keep it too
   std::ostream* log = nullptr;         // failures as they come; null: none
 };
 

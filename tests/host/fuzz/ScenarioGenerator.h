@@ -6,12 +6,14 @@
 // prefixes and interact: recursion through other routes, floating and default routes, overlapping
 // prefixes, interface subnets that come and go.
 //
-// A broken scenario is a valid one mutated (ScenarioMutator.h): wrong types, missing keys, values
-// out of range, bad addresses, unknown names, removals of what does not exist, duplicated keys,
-// byte edits and truncation, in the YAML and in the route files.
+// A broken scenario is a valid one mutated (mutateScenario): wrong types, missing keys, values out of
+// range, bad addresses, unknown names, removals of what does not exist, duplicated keys, byte edits
+// and truncation, in the YAML and in the route files. A failing scenario shrinks (reduceScenario) to
+// one that still fails the same way, for a person to read.
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <random>
 #include <string>
 #include <vector>
@@ -70,5 +72,16 @@ class ScenarioGenerator {
  private:
   Dice dice_;
 };
+
+// Applies one to three mutations to `s` (tree, files and text) and names them in s.mutation
+// (ScenarioMutator.cpp).
+void mutateScenario(GeneratedScenario& s, Dice& dice);
+
+// Removes one piece at a time - a map field, a list item or a line of a route file - parents before
+// children, keeping each removal after which `stillFails`, until no single removal does or the
+// budget of tries is spent. A scenario edited as bytes is returned as it is (ScenarioReducer.cpp).
+[[nodiscard]] GeneratedScenario reduceScenario(GeneratedScenario s,
+                                               std::function<bool(GeneratedScenario const&)> const& stillFails,
+                                               std::size_t maxTries = 1500);
 
 }  // namespace BowlineTest::Fuzz

@@ -1,8 +1,29 @@
-#include "host/fuzz/ScenarioMutator.h"
-
+// The mutations that turn a valid generated scenario into a broken one, the way users break files:
+// a value of the wrong type, a missing key, a number out of range, an address that is not one (or of
+// the other family), a name nothing declares, a step removing what does not exist, a key given
+// twice, an odd name (too long, control characters, bytes that are not UTF-8), bad lines in a route
+// file, and at the level of bytes: random edits and truncation.
 #include <fmt/format.h>
 
+#include "host/fuzz/ScenarioBuilder.h"
+
 namespace BowlineTest::Fuzz {
+
+std::uint64_t caseSeed(std::uint64_t seed, std::uint64_t index) {
+  // splitmix64 of the pair: neighbouring cases get unrelated engines.
+  std::uint64_t z = seed + 0x9e3779b97f4a7c15ULL * (index + 1);
+  z = (z ^ (z >> 30)) * 0xbf58476d1ce4e5b9ULL;
+  z = (z ^ (z >> 27)) * 0x94d049bb133111ebULL;
+  return z ^ (z >> 31);
+}
+
+GeneratedScenario ScenarioGenerator::valid() { return ScenarioBuilder(dice_).build(); }
+
+GeneratedScenario ScenarioGenerator::broken() {
+  GeneratedScenario s = valid();
+  mutateScenario(s, dice_);
+  return s;
+}
 
 namespace {
 

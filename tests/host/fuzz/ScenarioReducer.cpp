@@ -1,4 +1,4 @@
-#include "host/fuzz/ScenarioReducer.h"
+#include "host/fuzz/ScenarioGenerator.h"
 
 #include <sstream>
 

@@ -8,12 +8,10 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <chrono>
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
 #include <sstream>
-#include <thread>
 
 #include <fmt/format.h>
 
@@ -59,25 +57,15 @@ std::vector<char*> pointers(std::vector<std::string>& strings) {
 
 // Waits for the child up to the limit: true when it ended (and was reaped into `status`).
 bool waitWithin(pid_t pid, double seconds, int& status) {
-  auto const limit = std::chrono::milliseconds(static_cast<long long>(seconds * 1000));
   int const pidfd = int(syscall(SYS_pidfd_open, pid, 0));
-  if (pidfd >= 0) {
-    pollfd p{pidfd, POLLIN, 0};
-    int ready = 0;
-    do {
-      ready = poll(&p, 1, int(limit.count()));
-    } while (ready < 0 && errno == EINTR);
-    close(pidfd);
-    if (ready == 0) return false;
-    return waitpid(pid, &status, 0) == pid;
-  }
-  // No pidfd (an old kernel): poll the child's state.
-  auto const end = std::chrono::steady_clock::now() + limit;
-  while (std::chrono::steady_clock::now() < end) {
-    if (waitpid(pid, &status, WNOHANG) == pid) return true;
-    std::this_thread::sleep_for(std::chrono::milliseconds(5));
-  }
-  return false;
+  if (pidfd < 0) return waitpid(pid, &status, 0) == pid;  // no pidfd (an old kernel): no watchdog
+  pollfd p{pidfd, POLLIN, 0};
+  int ready = 0;
+  do {
+    ready = poll(&p, 1, int(seconds * 1000));
+  } while (ready < 0 && errno == EINTR);
+  close(pidfd);
+  return ready != 0 && waitpid(pid, &status, 0) == pid;
 }
 
 }  // namespace

@@ -21,7 +21,6 @@ struct ProcessOutcome {
   std::string out;
   std::string err;
 
-  [[nodiscard]] bool exited(int status) const { return end == End::exited && code == status; }
   // "exit 3", "signal 6 (Aborted)", "killed after 20 s", "could not start: ..."
   [[nodiscard]] std::string describe() const;
 };

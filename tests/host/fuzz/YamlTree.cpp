@@ -49,13 +49,6 @@ void YamlTree::walk(std::function<void(YamlTree&)> const& visit) {
   for (std::size_t i = 0; i < items_.size(); ++i) items_[i].walk(visit);
 }
 
-std::size_t YamlTree::size() const {
-  std::size_t n = 1;
-  for (auto const& f : fields_) n += f.second.size();
-  for (auto const& i : items_) n += i.size();
-  return n;
-}
-
 std::string yamlScalar(std::string const& text) {
   auto const plain = [&]() {
     if (text.empty() || text == "~" || text == "null" || text == "Null" || text == "NULL") return false;

@@ -60,7 +60,6 @@ class YamlTree {
 
   // Every node below this one (itself included), depth first, parents before children.
   void walk(std::function<void(YamlTree&)> const& visit);
-  [[nodiscard]] std::size_t size() const;
 
   // The document as block-style YAML.
   [[nodiscard]] std::string emit() const;

@@ -44,7 +44,7 @@ steps() {
 }
 toRib() { awk -v a="$(field "$1" load)" -v b="$(field "$1" converge)" 'BEGIN {printf "%.3f", a + b}'; }
 perRoute() { awk -v m="$(field "$1" 'peak memory')" -v n="$n" 'BEGIN {printf "%.0f", m * 1048576 / n}'; }
-ratio() { awk -v a="$1" -v b="$2" 'BEGIN {printf "%.2f", b > 0 ? a / b : 0}'; }
+ratio() { awk -v a="$1" -v b="$2" 'BEGIN {printf "%.2f", (b > 0 ? a / b : 0)}'; }
 
 v4routes "$n" 0 v4.txt
 cat > load.yaml <<'YAML'

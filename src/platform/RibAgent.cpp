@@ -50,8 +50,12 @@ RibAgent::RibAgent(Inputs const& in)
   in_.loopingRouteStatusByVrf6 = looping6_;
   resolveTaskIs(in.scheduler ? in.scheduler : Halyard::TaskSchedulerRoot::findOrCreateScheduler(), kTaskPriority,
                 "ribAgentResolve");
+  ipViaKeysByVrf_.resize(in_.ipViaConfigs.size());
   for (std::uint32_t i = 0; i < in_.ipViaConfigs.size(); ++i) {
-    if (in_.ipViaConfigs[i]) ipVias_.is(i, in_.ipViaConfigs[i]);
+    if (!in_.ipViaConfigs[i]) continue;
+    ipVias_.is(i, in_.ipViaConfigs[i]);
+    for (auto it = in_.ipViaConfigs[i]->viaIteratorConst(); it; it.advance())
+      ipViaKeysByVrf_[i][it.key().vrfId()].insert(it.key());
   }
   for (std::uint32_t i = 0; i < in_.evpnViaConfigs.size(); ++i) {
     if (in_.evpnViaConfigs[i]) evpnVias_.is(i, in_.evpnViaConfigs[i]);
@@ -74,7 +78,7 @@ RibAgent::RibAgent(Inputs const& in)
 // Nested machines: each change becomes a note.
 
 void RibAgent::NestedSm_IpVias::onAttribute(Zel::AttrId id, void const* key) {
-  if (id == Routing::Rib::Ip::ViaConfig::viaId) owner()->handleVia(*static_cast<ViaKey const*>(key));
+  if (id == Routing::Rib::Ip::ViaConfig::viaId) owner()->handleIpVia(this->key(), *static_cast<ViaKey const*>(key));
 }
 void RibAgent::NestedSm_EvpnVias::onAttribute(Zel::AttrId id, void const* key) {
   if (id == Routing::Rib::Evpn::ViaConfig::viaId) owner()->handleVia(*static_cast<ViaKey const*>(key));
@@ -93,6 +97,17 @@ void RibAgent::handleVia(ViaKey const& key) {
   TRACE(9, "handleVia " << key);
   // EVPN vias live in VRF 0 and resolve there.
   markDirty(key.vrfId());
+}
+
+void RibAgent::handleIpVia(std::uint32_t tableIndex, ViaKey const& key) {
+  auto& byVrf = ipViaKeysByVrf_[tableIndex];
+  if (in_.ipViaConfigs[tableIndex]->viaHas(key)) {
+    byVrf[key.vrfId()].insert(key);
+  } else if (auto it = byVrf.find(key.vrfId()); it != byVrf.end()) {
+    it->second.erase(key);
+    if (it->second.empty()) byVrf.erase(it);
+  }
+  handleVia(key);
 }
 
 void RibAgent::handleRoute(Routing::Rib::RouteKey const& key) {
@@ -293,7 +308,11 @@ void RibAgent::doResolveVrf(VrfId vrfId) {
   TRACE(8, "Vrf: " << knownVrfs_[vrfId] << ", doResolveVrf " << vrfId);
   // Every via is resolved before any report is written: all of them see the same routes.
   std::vector<std::pair<ViaKey, Result>> results;
-  for (auto const& table : in_.ipViaConfigs) doResolveVias(vrfId, false, *table, results);
+  for (auto const& byVrf : ipViaKeysByVrf_) {
+    if (auto it = byVrf.find(vrfId); it != byVrf.end()) {
+      for (ViaKey const& key : it->second) results.emplace_back(key, resolveViaKey(key));
+    }
+  }
   if (vrfId.isDefault()) {
     for (auto const& table : in_.evpnViaConfigs) doResolveVias(vrfId, true, *table, results);
   }

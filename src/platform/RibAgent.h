@@ -217,6 +217,8 @@ class RibAgent : public Zel::StateMachine<RibAgent> {
 
   // ---- Reactors: note and schedule.
   void handleVia(ViaKey const& key);
+  // An IP via came or went in table tableIndex of ipViaConfigs: its VRF's index entry follows.
+  void handleIpVia(std::uint32_t tableIndex, ViaKey const& key);
   void handleRoute(Routing::Rib::RouteKey const& key);
   // A via set came or went: every VRF of the table's family may resolve differently.
   void handleViaSets(std::uint32_t tableIndex);
@@ -273,6 +275,8 @@ class RibAgent : public Zel::StateMachine<RibAgent> {
   Quill::Ptr<Routing::Rib::LoopingRouteStatusByVrf> looping4_;
   Quill::Ptr<Routing::Rib::LoopingRouteStatusByVrf> looping6_;
 
+  // Per table of ipViaConfigs, its vias by VRF in key order: a VRF's resolution reads only its own.
+  std::vector<std::map<VrfId, std::set<ViaKey>>> ipViaKeysByVrf_;
   std::set<VrfId> dirty_;
   bool vrfsChanged_ = true;
   // VRF -> the VRFs whose routes use its vias (found while resolving; never shrinks).

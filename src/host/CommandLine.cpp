@@ -88,6 +88,7 @@ int runCommandLine(int argc, char const* const* argv, CommandLineSetup const& se
   }
   options.loadSeconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - t0).count();
   options.keepAtExit = setup.keepAtExit && !options.teardown;
+  options.progress = setup.progressOnTerminal;
   try {
     return runScenario(*parse.scenario, options, out, err);
   } catch (std::exception const& e) {

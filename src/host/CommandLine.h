@@ -20,6 +20,8 @@ struct CommandLineSetup {
   std::string defaultScenario;  // the scenario `run` reads when none is named
   // Leave the switch standing after a run (a process about to exit); false in tests.
   bool keepAtExit = false;
+  // The error stream is a terminal: a long load shows its progress there.
+  bool progressOnTerminal = false;
 };
 
 [[nodiscard]] int runCommandLine(int argc, char const* const* argv, CommandLineSetup const& setup, std::ostream& out,

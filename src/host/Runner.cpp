@@ -236,6 +236,7 @@ int runScenario(Scenario const& scenario, RunOptions const& options, std::ostrea
   ShowPrinter printer(out, options.json);
   auto owned = std::make_unique<Switch>(scenario, scheduler);
   Switch& sw = *owned;
+  if (options.progress) sw.progressIs(&err);
   auto emit = [&](std::string const& label, std::string const& vrf) {
     auto const t1 = std::chrono::steady_clock::now();
     printer.print(sw.view(label, vrf));

@@ -26,6 +26,8 @@ struct RunOptions {
   bool teardown = false;
   // Print the live runtime objects by type (bytes, count) after the run, largest first.
   bool memoryByType = false;
+  // Show a long settle's progress on the error stream (a terminal).
+  bool progress = false;
 };
 
 // The text of one show: per VRF and family the installed routes, then the VRF's readiness.

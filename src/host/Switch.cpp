@@ -1,8 +1,11 @@
 #include "host/Switch.h"
 
 #include <algorithm>
+#include <chrono>
 #include <stdexcept>
 #include <variant>
+
+#include <fmt/format.h>
 
 #include "foundations/rib/RibTypeFactories.h"
 
@@ -75,12 +78,35 @@ Switch::~Switch() {
 }
 
 void Switch::settle() {
-  scheduler_->runUntilIdle();
+  if (progress_) {
+    settleShowingProgress();
+  } else {
+    scheduler_->runUntilIdle();
+  }
   if (!held_.empty()) doReleaseHeldRoutes();
   // The RIB froze a via whose report would flip for ever: the scenario does not settle.
   if (rib_) {
     if (auto const oscillation = rib_->oscillation()) throw std::runtime_error(oscillation->text());
   }
+}
+
+void Switch::settleShowingProgress() {
+  using Clock = std::chrono::steady_clock;
+  auto const start = Clock::now();
+  auto next = start + std::chrono::seconds(2);
+  bool shown = false;
+  scheduler_->runUntilIdle(
+      [&] {
+        auto const now = Clock::now();
+        if (now < next || !agent_) return;
+        next = now + std::chrono::seconds(1);
+        *progress_ << fmt::format("\rbowline: {} routes installed, {:.0f} s", routeCount(),
+                                  std::chrono::duration<double>(now - start).count())
+                   << std::flush;
+        shown = true;
+      },
+      16);
+  if (shown) *progress_ << fmt::format("\rbowline: {} routes installed\x1b[K\n", routeCount()) << std::flush;
 }
 
 bool Switch::configuredWith(Platform::RibAgent::VrfId vrfId, Ondex::IpGenAddr const& nextHop,

@@ -49,8 +49,10 @@ class Switch {
 
   // Records of the scenario's start, the routing agent and the stand-ins; then one handshake round.
   void start();
-  // Runs the scheduler until idle.
+  // Runs the scheduler until idle. With a progress stream, a settle that lasts more than two seconds
+  // reports the routes installed there once a second, on one line.
   void settle();
+  void progressIs(std::ostream* progress) noexcept { progress_ = progress; }
   // One step (a show is the runner's: it calls view()).
   void apply(Step const& step);
   [[nodiscard]] ShowView view(std::string const& label, std::string const& vrfFilter) const;
@@ -68,6 +70,7 @@ class Switch {
   [[nodiscard]] std::size_t routeCount() const;
 
  private:
+  void settleShowingProgress();
   // The configuration records of one VRF, by family (0 IPv4, 1 IPv6).
   struct VrfRecords {
     Quill::Ptr<Routing::RouteList> config[2];
@@ -138,6 +141,7 @@ class Switch {
   std::map<std::tuple<std::string, Ondex::IpGenAddr, Ondex::IntfId>, RibStep> overrides_;
   // What the RIB keeps of an agent that restarts gracefully, until the agent has reconciled it.
   HeldRoutes held_;
+  std::ostream* progress_ = nullptr;
   std::map<std::string, VrfRecords> vrfs_;
   bool gracefulRestart_ = false;
   // Whether the agent may verify readiness at its (next) graceful start.

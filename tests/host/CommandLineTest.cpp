@@ -32,7 +32,7 @@ Outcome commandLine(std::vector<std::string> args) {
   std::vector<char const*> argv;
   for (auto const& a : args) argv.push_back(a.c_str());
   std::ostringstream out, err;
-  CommandLineSetup const setup{"1.2.3", (scenarioDir() / "full.yaml").string(), false};
+  CommandLineSetup const setup{"1.2.3", (scenarioDir() / "full.yaml").string(), false, false};
   Outcome o;
   o.status = runCommandLine(int(argv.size()), argv.data(), setup, out, err);
   o.out = out.str();

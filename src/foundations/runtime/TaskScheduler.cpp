@@ -59,13 +59,16 @@ bool TaskScheduler::runOnce() {
   return true;
 }
 
-std::uint64_t TaskScheduler::runUntilIdle() {
+std::uint64_t TaskScheduler::runUntilIdle() { return runUntilIdle(nullptr, 0); }
+
+std::uint64_t TaskScheduler::runUntilIdle(std::function<void()> const& observer, std::uint64_t every) {
   std::uint64_t ran = 0;
   Zel::Clock& clock = Zel::ActivityFacility::clock();
   for (;;) {
     clock.fireDueTimers();
     if (runOnce()) {
       ++ran;
+      if (observer && ran % every == 0) observer();
       continue;
     }
     if (clock.fireDueTimers() == 0 && idle()) break;

@@ -11,6 +11,7 @@
 
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <map>
 #include <ostream>
 
@@ -97,8 +98,10 @@ class TaskScheduler {
 
   // Runs the first scheduled task; false when none is scheduled.
   bool runOnce();
-  // Fires due timers and runs tasks until nothing is scheduled and no timer is due.
+  // Fires due timers and runs tasks until nothing is scheduled and no timer is due. With an
+  // observer, it is called after every `every` task runs (for a progress report).
   std::uint64_t runUntilIdle();
+  std::uint64_t runUntilIdle(std::function<void()> const& observer, std::uint64_t every);
   // Runs until idle, then moves the clock to each next timer up to `t` (waiting on a real clock).
   std::uint64_t runUntil(Zel::Seconds t);
   [[nodiscard]] bool idle() const noexcept { return scheduledCount_ == 0; }

@@ -1,7 +1,8 @@
 // Zel::NumberValue<Derived, Raw>: the base of a value that is one unsigned number (an id, a label,
 // a preference, a protocol). It holds the number and gives the type
 //   value()                 the number;
-//   hash(seed)              the number mixed under the seed;
+//   hash(seed)              the number mixed under the seed; hashWord(), the number as the word a
+//                           composite value's hash mixes in (Zel::ValueFields);
 //   ==, <=>                 numeric;
 //   toStrep()               the decimal number, or its name when the type names some numbers;
 //   valueToStrep, fromStrep the text form inside Value('...') forms: the bare number, or for a type
@@ -32,6 +33,7 @@ class NumberValue {
  public:
   [[nodiscard]] constexpr Raw value() const noexcept { return value_; }
   [[nodiscard]] std::uint32_t hash(std::uint32_t seed) const noexcept { return HashBuilder(seed).add(value_).value(); }
+  [[nodiscard]] constexpr std::uint64_t hashWord() const noexcept { return value_; }
   friend constexpr bool operator==(Derived a, Derived b) noexcept { return a.value() == b.value(); }
   friend constexpr std::strong_ordering operator<=>(Derived a, Derived b) noexcept { return a.value() <=> b.value(); }
 

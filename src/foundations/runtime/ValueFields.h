@@ -11,8 +11,8 @@
 //
 // and gets from this base:
 //   hash(seed)            every field mixed in, in list order (integers and enums as words, floats
-//                         as their bits with -0 as 0, other fields through their own hash, ranges as
-//                         their size and elements);
+//                         as their bits with -0 as 0, a type with hashWord() as that one word, other
+//                         fields through their own hash, ranges as their size and elements);
 //   ==                    every field equal;
 //   <=>                   the fields compared in list order, in the weakest ordering of any field
 //                         (a float field makes it partial); under ValueOrder::own the type writes
@@ -119,6 +119,9 @@ void addToHash(HashBuilder& h, M const& v, std::uint32_t seed) noexcept {
     } else {
       h.add(std::bit_cast<std::uint64_t>(n));
     }
+  } else if constexpr (requires { v.hashWord(); }) {
+    // A small value whose identity is one word: mixed in directly, not hashed apart first.
+    h.add(v.hashWord());
   } else if constexpr (requires { v.hash(seed); }) {
     h.add(v.hash(seed));
   } else {

@@ -33,7 +33,9 @@ class NumberValue {
  public:
   [[nodiscard]] constexpr Raw value() const noexcept { return value_; }
   [[nodiscard]] std::uint32_t hash(std::uint32_t seed) const noexcept { return HashBuilder(seed).add(value_).value(); }
-  [[nodiscard]] constexpr std::uint64_t hashWord() const noexcept { return value_; }
+  [[nodiscard]] constexpr auto hashWord() const noexcept {
+    return std::conditional_t<(sizeof(Raw) <= 4), std::uint32_t, std::uint64_t>(value_);
+  }
   friend constexpr bool operator==(Derived a, Derived b) noexcept { return a.value() == b.value(); }
   friend constexpr std::strong_ordering operator<=>(Derived a, Derived b) noexcept { return a.value() <=> b.value(); }
 

@@ -10,9 +10,10 @@
 //     ...
 //
 // and gets from this base:
-//   hash(seed)            every field mixed in, in list order (integers and enums as words, floats
-//                         as their bits with -0 as 0, a type with hashWord() as that one word, other
-//                         fields through their own hash, ranges as their size and elements);
+//   hash(seed)            every field mixed in, in list order (integers and enums as themselves,
+//                         floats as their bits with -0 as 0, a type with hashWord() as that number,
+//                         other fields through their own hash, ranges as their size and elements;
+//                         two parts of 32 bits or less in a row go in as one word);
 //   ==                    every field equal;
 //   <=>                   the fields compared in list order, in the weakest ordering of any field
 //                         (a float field makes it partial); under ValueOrder::own the type writes
@@ -107,26 +108,69 @@ struct FieldText<M, std::enable_if_t<std::ranges::range<M> && !std::is_convertib
 };
 
 namespace Impl {
+// Mixes a value's fields into a hash. What fits in 32 bits (a small number, a float, a field's own
+// 32-bit hash, a range's size) waits for the next such part, and the two go in as one word.
+class FieldMixer {
+ public:
+  explicit constexpr FieldMixer(std::uint32_t seed) noexcept : h_(seed) {}
+  constexpr void half(std::uint32_t w) noexcept {
+    if (hasHalf_) {
+      h_.add(std::uint64_t(half_) << 32 | w);
+      hasHalf_ = false;
+    } else {
+      half_ = w;
+      hasHalf_ = true;
+    }
+  }
+  constexpr void word(std::uint64_t w) noexcept {
+    flush();
+    h_.add(w);
+  }
+  [[nodiscard]] constexpr std::uint32_t value() noexcept {
+    flush();
+    return h_.value();
+  }
+
+ private:
+  constexpr void flush() noexcept {
+    if (hasHalf_) h_.add(half_);
+    hasHalf_ = false;
+  }
+
+  HashBuilder h_;
+  std::uint32_t half_ = 0;
+  bool hasHalf_ = false;
+};
+
+template <class W>
+constexpr void addWord(FieldMixer& m, W w) noexcept {
+  if constexpr (sizeof(W) <= 4) {
+    m.half(std::uint32_t(w));
+  } else {
+    m.word(std::uint64_t(w));
+  }
+}
+
 template <class M>
-void addToHash(HashBuilder& h, M const& v, std::uint32_t seed) noexcept {
+void addToHash(FieldMixer& m, M const& v, std::uint32_t seed) noexcept {
   if constexpr (std::is_integral_v<M> || std::is_enum_v<M>) {
-    h.add(std::uint64_t(v));
+    addWord(m, v);
   } else if constexpr (std::is_floating_point_v<M>) {
     // 0.0 and -0.0 are equal, so they hash alike.
     M const n = v == 0 ? M(0) : v;
     if constexpr (sizeof(M) == 4) {
-      h.add(std::bit_cast<std::uint32_t>(n));
+      m.half(std::bit_cast<std::uint32_t>(n));
     } else {
-      h.add(std::bit_cast<std::uint64_t>(n));
+      m.word(std::bit_cast<std::uint64_t>(n));
     }
   } else if constexpr (requires { v.hashWord(); }) {
-    // A small value whose identity is one word: mixed in directly, not hashed apart first.
-    h.add(v.hashWord());
+    // A small value whose identity is one number: mixed in directly, not hashed apart first.
+    addWord(m, v.hashWord());
   } else if constexpr (requires { v.hash(seed); }) {
-    h.add(v.hash(seed));
+    m.half(v.hash(seed));
   } else {
-    h.add(std::size(v));
-    for (auto const& e : v) addToHash(h, e, seed);
+    m.half(std::uint32_t(std::size(v)));
+    for (auto const& e : v) addToHash(m, e, seed);
   }
 }
 }  // namespace Impl
@@ -168,9 +212,9 @@ using FieldsOrdering = typename Impl::FieldsOrdering<T, decltype(ValueFieldsAcce
 // == and <=> (which already go field by field) and cannot take a base class.
 template <class T>
 [[nodiscard]] std::uint32_t hashFields(T const& v, std::uint32_t seed) noexcept {
-  HashBuilder h(seed);
-  Impl::forEachField<T>([&](auto const& f) { Impl::addToHash(h, Impl::fieldOf(v, f), seed); });
-  return h.value();
+  Impl::FieldMixer m(seed);
+  Impl::forEachField<T>([&](auto const& f) { Impl::addToHash(m, Impl::fieldOf(v, f), seed); });
+  return m.value();
 }
 
 template <class T>

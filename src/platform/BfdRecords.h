@@ -10,11 +10,12 @@
 #include <compare>
 #include <cstdint>
 #include <ostream>
+#include <tuple>
 
 #include <fmt/ostream.h>
 
 #include "foundations/runtime/Attribute.h"
-#include "foundations/runtime/Hash.h"
+#include "foundations/runtime/ValueFields.h"
 #include "foundations/types/IntfId.h"
 #include "foundations/types/IpGenAddr.h"
 #include "foundations/types/VrfName.h"
@@ -24,12 +25,19 @@ namespace Bfd {
 // One session's identity: the peer's address and VRF, the source address, the interface, the
 // session type (1 single hop on an interface, 6 bound to a local address) and a last field the
 // library always leaves 0.
-class Peer {
+class Peer : public Zel::ValueFields<Peer> {
  public:
   Peer() = default;
   Peer(Ondex::IpGenAddr ip, L3::VrfName vrf, Ondex::IpGenAddr srcIp, Ondex::IntfId intf, std::uint32_t type,
        std::uint32_t reserved = 0)
       : ip_(ip), vrf_(std::move(vrf)), srcIp_(srcIp), intf_(intf), type_(type), reserved_(reserved) {}
+
+  // Hash, equality and order (VRF first, then the peer's address) come from these.
+  static constexpr auto fields() {
+    return std::tuple{Zel::field("vrf", &Peer::vrf_),     Zel::field("ip", &Peer::ip_),
+                      Zel::field("srcIp", &Peer::srcIp_), Zel::field("intf", &Peer::intf_),
+                      Zel::field("type", &Peer::type_),   Zel::field("reserved", &Peer::reserved_)};
+  }
 
   [[nodiscard]] Ondex::IpGenAddr const& ip() const noexcept { return ip_; }
   [[nodiscard]] L3::VrfName const& vrf() const noexcept { return vrf_; }
@@ -38,24 +46,6 @@ class Peer {
   [[nodiscard]] std::uint32_t type() const noexcept { return type_; }
   [[nodiscard]] std::uint32_t reserved() const noexcept { return reserved_; }
 
-  [[nodiscard]] std::uint32_t hash(std::uint32_t seed) const noexcept {
-    return Zel::HashBuilder(seed)
-        .add(ip_.hash(seed))
-        .add(vrf_.hash(seed))
-        .add(srcIp_.hash(seed))
-        .add(intf_.hash(seed))
-        .add(std::uint64_t(type_) << 32 | reserved_)
-        .value();
-  }
-  friend bool operator==(Peer const& a, Peer const& b) noexcept = default;
-  friend std::strong_ordering operator<=>(Peer const& a, Peer const& b) noexcept {
-    if (auto c = a.vrf_ <=> b.vrf_; c != 0) return c;
-    if (auto c = a.ip_ <=> b.ip_; c != 0) return c;
-    if (auto c = a.srcIp_ <=> b.srcIp_; c != 0) return c;
-    if (auto c = a.intf_ <=> b.intf_; c != 0) return c;
-    if (auto c = a.type_ <=> b.type_; c != 0) return c;
-    return a.reserved_ <=> b.reserved_;
-  }
   // "Peer(10.0.0.1 vrf default src 0.0.0.0 intf Ethernet1 type 1)".
   friend std::ostream& operator<<(std::ostream& os, Peer const& p) {
     return os << "Peer(" << p.ip_ << " vrf " << p.vrf_ << " src " << p.srcIp_ << " intf " << p.intf_ << " type "

@@ -1,6 +1,7 @@
 #include "platform/InterfaceAgent.h"
 
 #include <algorithm>
+#include <map>
 
 #include "foundations/runtime/Trace.h"
 
@@ -46,19 +47,16 @@ bool InterfaceAgent::intfDel(Ondex::IntfId intfId) {
 }
 
 bool InterfaceAgent::routingEnabledIs(Ondex::IntfId intfId, bool enabled) {
-  auto it = intfs_.find(intfId);
-  if (it == intfs_.end() || it->second.routingEnabled == enabled) return false;
-  it->second.routingEnabled = enabled;
-  TRACE(2, "Vrf: " << it->second.vrf << ", routingEnabledIs " << intfId << " " << enabled);
-  syncVrf(it->second.vrf);
-  return true;
+  return flagIs(intfId, &Interface::routingEnabled, enabled, "routingEnabledIs");
 }
 
-bool InterfaceAgent::operUpIs(Ondex::IntfId intfId, bool up) {
+bool InterfaceAgent::operUpIs(Ondex::IntfId intfId, bool up) { return flagIs(intfId, &Interface::operUp, up, "operUpIs"); }
+
+bool InterfaceAgent::flagIs(Ondex::IntfId intfId, bool Interface::*flag, bool value, char const* what) {
   auto it = intfs_.find(intfId);
-  if (it == intfs_.end() || it->second.operUp == up) return false;
-  it->second.operUp = up;
-  TRACE(2, "Vrf: " << it->second.vrf << ", operUpIs " << intfId << " " << up);
+  if (it == intfs_.end() || it->second.*flag == value) return false;
+  it->second.*flag = value;
+  TRACE(2, "Vrf: " << it->second.vrf << ", " << what << " " << intfId << " " << value);
   syncVrf(it->second.vrf);
   return true;
 }
@@ -87,6 +85,49 @@ std::vector<InterfaceAgent::Connected> InterfaceAgent::connectedSubnets(L3::VrfN
   return out;
 }
 
+namespace {
+
+// One family's tables by the interface agent's names for them (see foundations/records/IpIntfStatus.h).
+template <class Status>
+struct FamilyTables;
+#define BOWLINE_FAMILY_TABLES(Ns, VrfTable, records, vrfTables)                                                  \
+  template <>                                                                                                    \
+  struct FamilyTables<Ns::Status> {                                                                              \
+    static Quill::Ptr<Ns::VrfTable> table(Ns::Status& s, L3::VrfName const& vrf) { return s.vrfTables(vrf); }   \
+    static Quill::Ptr<Ns::VrfTable> newTable() { return Ns::VrfTable::VrfTable##Is(); }                          \
+    static void tableIs(Ns::Status& s, L3::VrfName const& vrf, Quill::Ptr<Ns::VrfTable> const& t) {              \
+      s.vrfTables##Is(vrf, t);                                                                                   \
+    }                                                                                                            \
+    static void tableDel(Ns::Status& s, L3::VrfName const& vrf) { s.vrfTables##Del(vrf); }                       \
+    static auto recordIs(Ns::VrfTable& t, Ondex::IntfId id) { return t.records##Is(id); }                        \
+    static auto recordWalk(Ns::VrfTable& t) { return t.records##Iterator(); }                                    \
+    static void recordDel(Ns::VrfTable& t, Ondex::IntfId id) { t.records##Del(id); }                             \
+  };
+BOWLINE_FAMILY_TABLES(Ip, VrfIpIntfStatus, ipIntfStatus, vrfIpIntfStatus)
+BOWLINE_FAMILY_TABLES(Ip6, VrfIp6IntfStatus, intfStatus, vrfIp6IntfStatus)
+#undef BOWLINE_FAMILY_TABLES
+
+// Publishes a VRF's table of one family with exactly the interfaces given (routing enabled or
+// not), or removes it when there are none. A table is filled before it is published, so a reader
+// never sees it half-built.
+template <class Status>
+void publishFamily(Status& status, L3::VrfName const& vrf, std::map<Ondex::IntfId, bool> const& enabled) {
+  using Tables = FamilyTables<Status>;
+  if (enabled.empty()) {
+    Tables::tableDel(status, vrf);
+    return;
+  }
+  auto table = Tables::table(status, vrf);
+  if (!table) table = Tables::newTable();
+  for (auto const& [id, on] : enabled) Tables::recordIs(*table, id)->dpRoutingEnabledIs(on);
+  for (auto it = Tables::recordWalk(*table); it; it.advance()) {
+    if (!enabled.count(it.key())) Tables::recordDel(*table, it.key());
+  }
+  Tables::tableIs(status, vrf, table);
+}
+
+}  // namespace
+
 void InterfaceAgent::syncVrf(L3::VrfName const& vrf) {
   std::map<Ondex::IntfId, bool> v4, v6;
   for (auto const& [id, intf] : intfs_) {
@@ -94,29 +135,8 @@ void InterfaceAgent::syncVrf(L3::VrfName const& vrf) {
     if (intf.hasFamily(Ondex::AddressFamily::ipv4)) v4.emplace(id, intf.routingEnabled);
     if (intf.hasFamily(Ondex::AddressFamily::ipv6)) v6.emplace(id, intf.routingEnabled);
   }
-  // A table is filled before it is published, so a reader never sees it half-built.
-  if (v4.empty()) {
-    ipStatus_->vrfIpIntfStatusDel(vrf);
-  } else {
-    auto table = ipStatus_->vrfIpIntfStatus(vrf);
-    if (!table) table = Ip::VrfIpIntfStatus::VrfIpIntfStatusIs();
-    for (auto const& [id, enabled] : v4) table->ipIntfStatusIs(id)->dpRoutingEnabledIs(enabled);
-    for (auto it = table->ipIntfStatusIterator(); it; it.advance()) {
-      if (!v4.count(it.key())) table->ipIntfStatusDel(it.key());
-    }
-    ipStatus_->vrfIpIntfStatusIs(vrf, table);
-  }
-  if (v6.empty()) {
-    ip6Status_->vrfIp6IntfStatusDel(vrf);
-  } else {
-    auto table = ip6Status_->vrfIp6IntfStatus(vrf);
-    if (!table) table = Ip6::VrfIp6IntfStatus::VrfIp6IntfStatusIs();
-    for (auto const& [id, enabled] : v6) table->intfStatusIs(id)->dpRoutingEnabledIs(enabled);
-    for (auto it = table->intfStatusIterator(); it; it.advance()) {
-      if (!v6.count(it.key())) table->intfStatusDel(it.key());
-    }
-    ip6Status_->vrfIp6IntfStatusIs(vrf, table);
-  }
+  publishFamily(*ipStatus_, vrf, v4);
+  publishFamily(*ip6Status_, vrf, v6);
   vrfVersionIs(vrf, vrfVersion(vrf) + 1);
 }
 

@@ -73,6 +73,9 @@ class InterfaceAgent : public Zel::Entity {
   InterfaceAgent();
 
  private:
+  // Sets one flag of the interface (`what` names the change in trace) and brings its VRF in line;
+  // false when the interface does not exist or nothing changed.
+  bool flagIs(Ondex::IntfId intfId, bool Interface::*flag, bool value, char const* what);
   // Brings both families' tables of the VRF in line with the interfaces, then bumps its version.
   void syncVrf(L3::VrfName const& vrf);
 

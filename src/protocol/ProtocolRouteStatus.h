@@ -10,6 +10,8 @@
 #include <cstdint>
 #include <ostream>
 #include <string>
+#include <string_view>
+#include <tuple>
 
 #include "foundations/records/RouteAttributes.h"
 #include "foundations/records/RoutePreference.h"
@@ -19,6 +21,7 @@
 #include "foundations/rib/ViaKey.h"
 #include "foundations/runtime/Attribute.h"
 #include "foundations/runtime/Optional.h"
+#include "foundations/runtime/ValueFields.h"
 #include "foundations/types/AddressFamily.h"
 #include "foundations/types/IpGenAddr.h"
 #include "foundations/types/IpGenPrefix.h"
@@ -56,35 +59,41 @@ enum ViaResolutionStatus : std::uint8_t {
 };
 std::ostream& operator<<(std::ostream& os, ViaResolutionStatus s);
 
-// One VRF and address family.
+// One VRF and address family. Hash, equality, order (VRF id first) and the text form
+// "Value('Routing::Protocol::RouteStatusKey', ** {'vrfId': 3, 'af': 'ipv4'})" come from the fields.
 struct RouteStatusKey {
   Vrf::VrfIdMap::VrfId vrfId;
   Ondex::AddressFamily af;
 
-  [[nodiscard]] std::uint32_t hash(std::uint32_t seed) const noexcept;
-  friend bool operator==(RouteStatusKey const& a, RouteStatusKey const& b) noexcept = default;
-  friend bool operator<(RouteStatusKey const& a, RouteStatusKey const& b) noexcept {
-    return a.vrfId != b.vrfId ? a.vrfId < b.vrfId : a.af < b.af;
+  static constexpr std::string_view kTypeName = "Routing::Protocol::RouteStatusKey";
+  static constexpr auto fields() {
+    return std::tuple{Zel::field("vrfId", &RouteStatusKey::vrfId), Zel::field("af", &RouteStatusKey::af)};
   }
+  [[nodiscard]] std::uint32_t hash(std::uint32_t seed) const noexcept { return Zel::hashFields(*this, seed); }
+  friend constexpr bool operator==(RouteStatusKey const& a, RouteStatusKey const& b) noexcept = default;
+  friend constexpr auto operator<=>(RouteStatusKey const& a, RouteStatusKey const& b) noexcept = default;
   friend std::ostream& operator<<(std::ostream& os, RouteStatusKey const& k) { return os << valueToStrep(k); }
-  // "Value('Routing::Protocol::RouteStatusKey', ** {'vrfId': %s, 'af': %s})", and back.
-  friend std::string valueToStrep(RouteStatusKey const& k);
-  [[nodiscard]] static std::optional<RouteStatusKey> fromStrep(std::string_view text);
+  friend std::string valueToStrep(RouteStatusKey const& k) { return Zel::fieldsToStrep(k); }
+  [[nodiscard]] static std::optional<RouteStatusKey> fromStrep(std::string_view text) {
+    return Zel::fieldsFromStrep<RouteStatusKey>(text);
+  }
 };
 
-// One route preference in any VRF: the key of the via metric machine's reverse index.
+// One route preference in any VRF: the key of the via metric machine's reverse index. Hash,
+// equality and order (prefix, preference, VRF id) come from the fields.
 struct PrefixPrefVrfId {
   Ondex::IpGenPrefix prefix;
   RoutePreference pref;
   Vrf::VrfIdMap::VrfId vrfId;
 
-  [[nodiscard]] std::uint32_t hash(std::uint32_t seed) const noexcept;
-  friend bool operator==(PrefixPrefVrfId const& a, PrefixPrefVrfId const& b) noexcept = default;
-  friend bool operator<(PrefixPrefVrfId const& a, PrefixPrefVrfId const& b) noexcept {
-    if (a.prefix != b.prefix) return a.prefix < b.prefix;
-    if (a.pref != b.pref) return a.pref < b.pref;
-    return a.vrfId < b.vrfId;
+  static constexpr auto fields() {
+    return std::tuple{Zel::field("prefix", &PrefixPrefVrfId::prefix), Zel::field("pref", &PrefixPrefVrfId::pref),
+                      Zel::field("vrfId", &PrefixPrefVrfId::vrfId)};
   }
+  [[nodiscard]] std::uint32_t hash(std::uint32_t seed) const noexcept { return Zel::hashFields(*this, seed); }
+  friend bool operator==(PrefixPrefVrfId const& a, PrefixPrefVrfId const& b) noexcept = default;
+  friend auto operator<=>(PrefixPrefVrfId const& a, PrefixPrefVrfId const& b) noexcept = default;
+  // "10.0.0.0/8 pref 1 vrf 0".
   friend std::ostream& operator<<(std::ostream& os, PrefixPrefVrfId const& k);
 };
 

@@ -30,11 +30,17 @@ Quill::Ptr<Protocol::IntfStatus> AllEgressVrfIntfStatusHelperSm::intfStatusOf(L3
   return nullptr;
 }
 
+void RegisteredClients::clientIs(EgressVrfIntfStatusClient::Key const& clientKey, EgressVrfIntfStatusClient* client) {
+  auto const held = clients_.tryEmplace(clientKey, client).first;
+  QUILL_ASSERT(*held == client, "one client per VRF and protocol registers for an egress VRF");
+}
+
 void AllEgressVrfIntfStatusHelperSm::registerForVrfIntfStatus(L3::VrfName const& vrf, Ondex::AddressFamily af,
+                                                              EgressVrfIntfStatusClient::Key const& clientKey,
                                                               EgressVrfIntfStatusClient* client) {
   Protocol::ContainerKey const key(vrf, af);
   // Registered before the helper exists: creating the helper notifies the registered clients.
-  registeredClientsIs(key)->clientIs(client);
+  registeredClientsIs(key)->clientIs(clientKey, client);
   if (egressVrfIntfStatusHelperSmHas(key)) return;
   auto intfStatus = intfStatusOf(vrf, key.af(), false);
   if (!intfStatus) return;
@@ -43,12 +49,12 @@ void AllEgressVrfIntfStatusHelperSm::registerForVrfIntfStatus(L3::VrfName const&
 }
 
 void AllEgressVrfIntfStatusHelperSm::unregisterForVrfIntfStatus(L3::VrfName const& vrf, Ondex::AddressFamily af,
-                                                                EgressVrfIntfStatusClient* client) {
+                                                                EgressVrfIntfStatusClient::Key const& clientKey) {
   Protocol::ContainerKey const key(vrf, af);
   auto registered = registeredClients(key);
   if (!registered) return;
-  registered->clientDel(client);
-  if (registered->clientSize()) return;
+  registered->clientDel(clientKey);
+  if (registered->clients().size()) return;
   TRACE(8, " Deleting egressVrfIntfStatusHelperSm for " << key);
   registeredClientsDel(key);
   egressVrfIntfStatusHelperSmDel(key);
@@ -64,8 +70,8 @@ void AllEgressVrfIntfStatusHelperSm::notifyIntfStatusChange(Protocol::ContainerK
   TRACE(8, " Notifying routeConfigSms registered for vrf " << key.vrfName() << " to handle their inter-vrf routes");
   auto registered = registeredClients(key);
   if (!registered) return;
-  for (auto it = registered->clientIteratorConst(); it; it.advance()) {
-    it.key()->handleInterVrfRoutes(key.vrfName());
+  for (auto it = registered->clients().iterator(); it; it.advance()) {
+    it.value()->handleInterVrfRoutes(key.vrfName());
   }
 }
 

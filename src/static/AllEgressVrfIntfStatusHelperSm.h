@@ -1,11 +1,13 @@
 // Shared by every RouteConfigSm of the agent: for each egress VRF and family that some route
 // machine has inter-VRF routes through, it keeps the machines registered (as clients) and one
-// helper watching that VRF's interface status, and tells the clients when it changes. It watches
-// the IPv4 and IPv6 interface tables of all VRFs and writes its registrations and helpers. Owned
-// by the hosting agent.
+// helper watching that VRF's interface status, and tells the clients when it changes, in the order
+// of the clients' own VRF names (never of their addresses). It watches the IPv4 and IPv6 interface
+// tables of all VRFs and writes its registrations and helpers. Owned by the hosting agent.
 #pragma once
 
 #include "foundations/records/IpIntfStatus.h"
+#include "foundations/rib/RibTypes.h"
+#include "foundations/runtime/RbTreeMap.h"
 #include "foundations/runtime/StateMachine.h"
 #include "protocol/ProtocolContainerKey.h"
 #include "protocol/ProtocolIntf.h"
@@ -16,6 +18,15 @@ namespace Routing::Static {
 // What the helper asks of a machine registered for an egress VRF's interface status.
 class EgressVrfIntfStatusClient {
  public:
+  // Who a client is, and the order in which the clients of an egress VRF are told: the VRF whose
+  // routes it serves and their routing protocol. One client each.
+  struct Key {
+    L3::VrfName vrf;
+    Rib::RoutingProtocol protocol;
+    friend bool operator==(Key const& a, Key const& b) noexcept = default;
+    friend auto operator<=>(Key const& a, Key const& b) noexcept = default;
+  };
+
   // The interface status of an egress VRF it registered for changed.
   virtual void handleInterVrfRoutes(L3::VrfName const& egressVrf) = 0;
 
@@ -23,15 +34,24 @@ class EgressVrfIntfStatusClient {
   ~EgressVrfIntfStatusClient() = default;
 };
 
-// The clients registered for one egress VRF and family; compared by identity, not owned.
+// The clients registered for one egress VRF and family, not owned, by their keys. Changed without
+// notification; the walk is the RbTreeMap's, in ascending key, and survives a client leaving
+// during it.
 class RegisteredClients : public Zel::Entity {
  public:
+  using Clients = Zel::RbTreeMap<EgressVrfIntfStatusClient::Key, EgressVrfIntfStatusClient*>;
   ZEL_CONST(Protocol::ContainerKey, key)
-  ZEL_SET(EgressVrfIntfStatusClient*, client, 130)
+  [[nodiscard]] Clients const& clients() const noexcept { return clients_; }
+  // Registers the client of the key; another client of a registered key is a programming error.
+  void clientIs(EgressVrfIntfStatusClient::Key const& clientKey, EgressVrfIntfStatusClient* client);
+  bool clientDel(EgressVrfIntfStatusClient::Key const& clientKey) { return clients_.erase(clientKey); }
 
  protected:
   friend struct Zel::Factory;
   explicit RegisteredClients(Protocol::ContainerKey const& key) : key_(key) {}
+
+ private:
+  Clients clients_;
 };
 
 class AllEgressVrfIntfStatusHelperSm : public Zel::StateMachine<AllEgressVrfIntfStatusHelperSm> {
@@ -43,8 +63,11 @@ class AllEgressVrfIntfStatusHelperSm : public Zel::StateMachine<AllEgressVrfIntf
 
   void handleVrfIpIntfStatus(L3::VrfName const& vrf);
   void handleVrfIp6IntfStatus(L3::VrfName const& vrf);
-  void registerForVrfIntfStatus(L3::VrfName const& vrf, Ondex::AddressFamily af, EgressVrfIntfStatusClient* client);
-  void unregisterForVrfIntfStatus(L3::VrfName const& vrf, Ondex::AddressFamily af, EgressVrfIntfStatusClient* client);
+  // The client of clientKey registers for (or leaves) the egress VRF vrf.
+  void registerForVrfIntfStatus(L3::VrfName const& vrf, Ondex::AddressFamily af,
+                                EgressVrfIntfStatusClient::Key const& clientKey, EgressVrfIntfStatusClient* client);
+  void unregisterForVrfIntfStatus(L3::VrfName const& vrf, Ondex::AddressFamily af,
+                                  EgressVrfIntfStatusClient::Key const& clientKey);
   // The interface status of the VRF: the watched one where a helper exists, else a fresh wrapper
   // around the VRF's current table (which answers no interface when the VRF has none). Never null.
   [[nodiscard]] Quill::Ptr<Protocol::IntfStatus const> getVrfIntfStatus(L3::VrfName const& vrf,

@@ -7,16 +7,17 @@ ZEL_TRACE_FACILITY("StaticRoute::RouteConfigSm");
 namespace Routing::Static {
 
 InterVrfRoutes::InterVrfRoutes(Quill::Ptr<AllEgressVrfIntfStatusHelperSm> helper, EgressVrfIntfStatusClient* client,
-                               Ondex::AddressFamily af, L3::VrfName const& vrfName)
+                               Ondex::AddressFamily af, L3::VrfName const& vrfName, Rib::RoutingProtocol protocol)
     : helper_(std::move(helper)),
       client_(client),
       af_(af),
       vrfName_(vrfName),
+      clientKey_{vrfName, protocol},
       resolved_(InterVrfRouteByEgressVrf::InterVrfRouteByEgressVrfIs()),
       unresolved_(InterVrfRouteByEgressVrf::InterVrfRouteByEgressVrfIs()) {}
 
 void InterVrfRoutes::registerFor(L3::VrfName const& egressVrf) {
-  if (helper_) helper_->registerForVrfIntfStatus(egressVrf, af_, client_);
+  if (helper_) helper_->registerForVrfIntfStatus(egressVrf, af_, clientKey_, client_);
 }
 
 void InterVrfRoutes::resolvedAdd(Route const& route, L3::VrfName const& egressVrf, VrfId egressVrfId) {
@@ -47,7 +48,7 @@ void InterVrfRoutes::del(InterVrfRouteByEgressVrf& index, InterVrfRouteByEgressV
   routes->routeDel(key);
   if (routes->routeSize()) return;
   index.interVrfRouteConfigDel(egressVrf);
-  if (!other.interVrfRouteConfigHas(egressVrf) && helper_) helper_->unregisterForVrfIntfStatus(egressVrf, af_, client_);
+  if (!other.interVrfRouteConfigHas(egressVrf) && helper_) helper_->unregisterForVrfIntfStatus(egressVrf, af_, clientKey_);
 }
 
 void InterVrfRoutes::resolvedDel(RouteKey const& key, L3::VrfName const& egressVrf) {
@@ -71,7 +72,7 @@ void InterVrfRoutes::unregisterAll() {
   if (!helper_) return;
   for (Index const* index : {&resolved_, &unresolved_}) {
     for (auto it = (*index)->interVrfRouteConfigIteratorConst(); it; it.advance()) {
-      helper_->unregisterForVrfIntfStatus(it.key(), af_, client_);
+      helper_->unregisterForVrfIntfStatus(it.key(), af_, clientKey_);
     }
   }
 }

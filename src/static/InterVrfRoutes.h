@@ -19,9 +19,11 @@ class InterVrfRoutes {
   using VrfId = Vrf::VrfIdMap::VrfId;
   using Index = Quill::Ptr<InterVrfRouteByEgressVrf>;
 
-  // helper may be null (no registration then); client is told of the egress VRFs' changes.
+  // helper may be null (no registration then); client, the machine of the VRF's routes of the
+  // protocol, is told of the egress VRFs' changes.
   InterVrfRoutes(Quill::Ptr<AllEgressVrfIntfStatusHelperSm> helper, EgressVrfIntfStatusClient* client,
-                 Ondex::AddressFamily af, L3::VrfName const& vrfName);
+                 Ondex::AddressFamily af, L3::VrfName const& vrfName,
+                 Rib::RoutingProtocol protocol = Rib::RoutingProtocol::staticConfig());
 
   // The route has a via through egressVrf, which exists with the id egressVrfId.
   void resolvedAdd(Route const& route, L3::VrfName const& egressVrf, VrfId egressVrfId);
@@ -57,6 +59,7 @@ class InterVrfRoutes {
   EgressVrfIntfStatusClient* client_;
   Ondex::AddressFamily af_;
   L3::VrfName vrfName_;
+  EgressVrfIntfStatusClient::Key clientKey_;
   Index resolved_;
   Index unresolved_;
 };

@@ -24,7 +24,7 @@ namespace Routing::Static {
 RouteConfigSm::RouteConfigSm(Inputs const& in)
     : StateMachine() ROUTE_CONFIG_SM_INPUTS(ZEL_INPUTS_INIT),
       vrfName_(in.containerKey.vrfName()),
-      interVrfRoutes_(in.allEgressVrfIntfStatusHelperSm, this, in.containerKey.af(), vrfName_) {
+      interVrfRoutes_(in.allEgressVrfIntfStatusHelperSm, this, in.containerKey.af(), vrfName_, in.routingProtocol) {
   globalPrefIs(in.routingGeneralConfig ? in.routingGeneralConfig->staticRoutePreference() : RoutePreference());
   // The inputs; a list's nested watchers are built as the list is set (they do nothing until
   // something changes). The users' collections come after initialization.

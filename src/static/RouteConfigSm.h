@@ -140,6 +140,8 @@ class RouteConfigSm : public Zel::StateMachine<RouteConfigSm>, public EgressVrfI
     void zelDoZombieReactors(bool marked) override;
     void handleRouteDynamicVia(Via const& via);
     void handleRouteDynamicDelete();
+    // True while srConfig has a static route of this key, which the dynamic route gives way to.
+    [[nodiscard]] bool underStaticRoute() const;
   };
 
   // The source route of a leaked route: its tag and its vias are followed.
@@ -235,11 +237,10 @@ class RouteConfigSm : public Zel::StateMachine<RouteConfigSm>, public EgressVrfI
   [[nodiscard]] bool reviewAllRoutesImpl();
   [[nodiscard]] bool srReviewAllRoutesImpl();
   [[nodiscard]] bool riReviewAllRoutesImpl();
-  // One walk of a review of all routes over a route list (or the leaked routes); false when it
-  // yielded, with the bookmark at the next key.
-  [[nodiscard]] bool reviewAllRoutesByConfig(RouteList const* config, std::optional<RouteKey>& bookmark);
-  [[nodiscard]] bool reviewAllRoutesByConfig(Protocol::LeakRouteConfig const* config,
-                                             std::optional<RouteKey>& bookmark);
+  // One walk of a review of all routes over a route list or the leaked routes (Config: RouteList
+  // or Protocol::LeakRouteConfig); false when it yielded, with the bookmark at the next key.
+  template <class Config>
+  [[nodiscard]] bool reviewAllRoutesByConfig(Config const* config, std::optional<RouteKey>& bookmark);
   void reviewRoute(RouteKey const& key);
   void srReviewRoute(RouteKey const& key);
   void riReviewRoute(RouteKey const& key);

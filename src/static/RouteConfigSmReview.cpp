@@ -98,8 +98,11 @@ bool RouteConfigSm::srReviewAllRoutesImpl() {
 
 namespace {
 
-// The walk of a review of all routes over one collection; the two kinds of collection differ only
-// in what they iterate.
+// The routes a review of all routes walks in a route list, or in the leaked routes.
+auto const& routesOf(RouteList const& config) { return config.routeColl(); }
+auto const& routesOf(Protocol::LeakRouteConfig const& config) { return config.leakRouteColl(); }
+
+// The walk of a review of all routes over one collection.
 template <class Map, class Review>
 bool reviewWalk(Halyard::Task* task, Map const& map, std::optional<RouteKey>& bookmark, Review&& review,
                 L3::VrfName const& vrfName) {
@@ -126,23 +129,13 @@ bool reviewWalk(Halyard::Task* task, Map const& map, std::optional<RouteKey>& bo
 
 }  // namespace
 
-bool RouteConfigSm::reviewAllRoutesByConfig(RouteList const* config, std::optional<RouteKey>& bookmark) {
+template <class Config>
+bool RouteConfigSm::reviewAllRoutesByConfig(Config const* config, std::optional<RouteKey>& bookmark) {
   if (!config) {
     bookmark.reset();
     return true;
   }
-  return reviewWalk(reviewAllRoutesTask(), config->routeColl(), bookmark,
-                    [this](RouteKey const& key) { reviewRoute(key); },
-                    vrfName_);
-}
-
-bool RouteConfigSm::reviewAllRoutesByConfig(Protocol::LeakRouteConfig const* config,
-                                            std::optional<RouteKey>& bookmark) {
-  if (!config) {
-    bookmark.reset();
-    return true;
-  }
-  return reviewWalk(reviewAllRoutesTask(), config->leakRouteColl(), bookmark,
+  return reviewWalk(reviewAllRoutesTask(), routesOf(*config), bookmark,
                     [this](RouteKey const& key) { reviewRoute(key); },
                     vrfName_);
 }

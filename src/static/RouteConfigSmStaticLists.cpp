@@ -79,7 +79,7 @@ void RouteConfigSm::NestedSm_RouteDynamic::onAttribute(Zel::AttrId id, void cons
   } else if (id == Route::bfdTrackedId) {
     // Under a static route of the key the dynamic route's vias are not in the status store, and
     // neither is its BFD tracking.
-    if (parent->srConfig() && parent->srConfig()->routeHas(this->key())) return;
+    if (underStaticRoute()) return;
     parent->handleRouteVia(*route, *static_cast<Via const*>(key), parent->srConfigDynamic().get(),
                            parent->sipValidationHelper().get());
   }
@@ -89,7 +89,7 @@ void RouteConfigSm::NestedSm_RouteDynamic::handleRouteDynamicVia(Via const& via)
   RouteConfigSm* parent = owner();
   auto route = notifier();
   TRACE(8, "Vrf: " << parent->vrfName() << ", handleRouteDynamicVia " << key() << " " << via);
-  if (parent->srConfig() && parent->srConfig()->routeHas(key())) {
+  if (underStaticRoute()) {
     TRACE(6, "Vrf: " << parent->vrfName() << ", handleRouteDynamicVia Skipping dynamic route: " << key().prefix()
                      << " because there is a config route configured");
     FLIT(6, "handleRouteDynamicVia Skipping dynamic route: {}", key().prefix());
@@ -98,6 +98,11 @@ void RouteConfigSm::NestedSm_RouteDynamic::handleRouteDynamicVia(Via const& via)
     return;
   }
   parent->handleRouteVia(*route, via, parent->srConfigDynamic().get(), parent->sipValidationHelper().get());
+}
+
+bool RouteConfigSm::NestedSm_RouteDynamic::underStaticRoute() const {
+  auto const& config = owner()->srConfig();
+  return config && config->routeHas(key());
 }
 
 void RouteConfigSm::NestedSm_RouteDynamic::zelDoZombieReactors(bool marked) {
@@ -109,8 +114,7 @@ void RouteConfigSm::NestedSm_RouteDynamic::handleRouteDynamicDelete() {
   RouteConfigSm* parent = owner();
   auto route = notifier();
   if (!route) return;
-  bool const hasStatic = parent->srConfig() && parent->srConfig()->routeHas(key());
-  if (hasStatic && !parent->backlogHas(key())) {
+  if (underStaticRoute() && !parent->backlogHas(key())) {
     TRACE(6, "Vrf: " << parent->vrfName() << ", handleRouteDynamicDelete Nothing needs to be done.  Deleting a dynamic"
                      << " route when there is a static route configured");
     FLIT(6, "RouteConfigSm::handleRouteDelete: Nothing needs to be done. {}",

@@ -21,10 +21,13 @@
 #include "foundations/rib/IgpResult.h"
 #include "foundations/rib/ResolutionRibProfileConfig.h"
 #include "foundations/rib/RibRoute.h"
+#include "foundations/rib/Via.h"
 #include "foundations/rib/ViaSet.h"
 #include "foundations/rib/ViaSetConfigKey.h"
 #include "leak/ProtocolRouteLeak.h"
+#include "platform/BfdRecords.h"
 #include "protocol/ProtocolContainerKey.h"
+#include "protocol/ProtocolRouteStatus.h"
 
 namespace BowlineTest {
 namespace {
@@ -277,6 +280,85 @@ Samples<Routing::BfdStatusKey> samples() {
           {},
           ""};
 }
+template <>
+Samples<Routing::Protocol::RouteStatusKey> samples() {
+  using Routing::Protocol::RouteStatusKey;
+  return {{RouteStatusKey{0, AddressFamily::ipv4}, RouteStatusKey{0, AddressFamily::ipv6},
+           RouteStatusKey{3, AddressFamily::ipv4}, RouteStatusKey{VrfId::none(), AddressFamily()}},
+          {},
+          "Value('Routing::Protocol::RouteStatusKey', ** {'vrfId': 0, 'af': 'ipv6'})"};
+}
+template <>
+Samples<Routing::Protocol::PrefixPrefVrfId> samples() {
+  using Routing::RoutePreference;
+  using Routing::Protocol::PrefixPrefVrfId;
+  return {{PrefixPrefVrfId{pfx("10.0.0.0/8"), RoutePreference(1), 0}, PrefixPrefVrfId{pfx("10.0.0.0/8"), RoutePreference(1), 3},
+           PrefixPrefVrfId{pfx("10.0.0.0/8"), RoutePreference(200), 0}, PrefixPrefVrfId{pfx("10.0.0.0/16"), RoutePreference(1), 0}},
+          {{PrefixPrefVrfId{pfx("10.9.9.9/8"), RoutePreference(), 0}, PrefixPrefVrfId{pfx("10.0.0.0/8"), RoutePreference(1), 0}}},
+          ""};
+}
+template <>
+Samples<Bfd::Peer> samples() {
+  using Bfd::Peer;
+  Ondex::IntfId const eth1("Ethernet1");
+  // The VRF first, then the peer, the source, the interface, the type and the last field.
+  return {{Peer(addr("10.0.0.2"), "blue", addr("0.0.0.0"), eth1, 1), Peer(addr("10.0.0.1"), "default", addr("0.0.0.0"), eth1, 1),
+           Peer(addr("10.0.0.1"), "default", addr("10.0.0.9"), Ondex::IntfId(), 6),
+           Peer(addr("10.0.0.1"), "default", addr("10.0.0.9"), Ondex::IntfId(), 6, 1),
+           Peer(addr("10.0.0.2"), "default", addr("0.0.0.0"), eth1, 1)},
+          {},
+          ""};
+}
+template <>
+Samples<Routing::Rib::ViaContent> samples() {
+  using Routing::Rib::ViaContent;
+  ViaContent const hop(addr("10.0.0.1"), Ondex::IntfId());
+  auto with = [&](auto change) {
+    ViaContent c = hop;
+    change(c);
+    return c;
+  };
+  Routing::Rib::ResolutionRibProfileConfig profile;
+  profile.methodAppend(Routing::Rib::ResolutionMethod::tunnelRib("a"));
+  // Field by field: a label sorts before none; any other field set sorts after its default.
+  return {{ViaContent(), ViaContent(addr("10.0.0.1"), Ondex::IntfId(), 16), hop, with([](ViaContent& c) { c.entryListIs(0, 5); }),
+           with([](ViaContent& c) { c.labelStackIs(0, 7); }), with([](ViaContent& c) { c.weightIs(1); }),
+           with([&](ViaContent& c) { c.resolutionRibProfileIs(profile); }),
+           with([](ViaContent& c) { c.flagsIs(ViaContent::kFlagDrop); }), ViaContent(addr("10.0.0.1"), Ondex::IntfId("Ethernet1")),
+           ViaContent(addr("10.0.0.2"), Ondex::IntfId())},
+          {{with([](ViaContent& c) { c.weightIs(-0.0f); }), hop}},
+          ""};
+}
+template <>
+Samples<Routing::Rib::Via> samples() {
+  using Routing::Rib::Via;
+  using Routing::Rib::ViaContent;
+  using Routing::Rib::ViaKey;
+  ViaKey const one(1, 0, 2, 1);
+  ViaContent const hop(addr("10.0.0.1"), Ondex::IntfId());
+  Via set(one);
+  set.nextHopIs(addr("10.0.0.1"));
+  // The content first, then the key.
+  return {{Via(one), Via(ViaKey(2, 0, 2, 1)), Via(one, hop), Via(ViaKey(2, 0, 2, 1), hop)}, {{set, Via(one, hop)}}, ""};
+}
+template <>
+Samples<Routing::Rib::RoutingProtocol> samples() {
+  using Routing::Rib::RoutingProtocol;
+  return {{RoutingProtocol(0), RoutingProtocol::staticConfig(), RoutingProtocol::routeInput(), RoutingProtocol(7)},
+          {{RoutingProtocol(2), RoutingProtocol::staticConfig()}},
+          "'staticConfig'"};
+}
+template <>
+Samples<Routing::Rib::Transport> samples() {
+  using Routing::Rib::Transport;
+  return {{Transport(0), Transport::transportIpv4(), Transport::transportIpv6(), Transport::transportEvpn(), Transport(9)},
+          {{Transport::fromAf(AddressFamily::ipv6), Transport(2)}},
+          "'ipv4'"};
+}
+template <>
+Samples<Vxlan::VniExt> samples() {
+  return {{Vxlan::VniExt(1), Vxlan::VniExt(10), Vxlan::VniExt(16777215)}, {{Vxlan::VniExtOrNone(10).vniExt(), Vxlan::VniExt(10)}}, "10"};
+}
 
 template <class T>
 constexpr bool kOrdered = requires(T const& a) { a < a; };
@@ -297,7 +379,15 @@ using ValueTypes = ::testing::Types<
     Routing::RouteAttributes, NexthopGroup::NexthopGroupEntryKey, Routing::Rib::ViaKey, Routing::Rib::ViaSetKey,
     Routing::Rib::RouteKey, Routing::Protocol::ContainerKey, Routing::Protocol::VrfIdAf, Routing::Protocol::VrfPairAf,
     Routing::Rib::ViaSetConfigKey, Routing::MetricPref, Routing::Rib::Evpn::Via, Routing::Bgp::IgpResult,
-    Routing::Rib::ResolutionRibProfileConfig, Routing::Rib::Skein::ViaSet, Routing::BfdStatusKey>;
+    Routing::Rib::ResolutionRibProfileConfig, Routing::Rib::Skein::ViaSet, Routing::BfdStatusKey,
+    Routing::Protocol::RouteStatusKey,
+    Routing::Protocol::PrefixPrefVrfId,
+    Bfd::Peer,
+    Routing::Rib::ViaContent,
+    Routing::Rib::Via,
+    Routing::Rib::RoutingProtocol,
+    Routing::Rib::Transport,
+    Vxlan::VniExt>;
 TYPED_TEST_SUITE(ValueTypeTest, ValueTypes);
 
 TYPED_TEST(ValueTypeTest, EqualityIsAnEquivalenceThatTellsSamplesApart) {

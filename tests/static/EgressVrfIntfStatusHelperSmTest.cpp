@@ -4,9 +4,12 @@
 // leave through an egress VRF and follow its interfaces. Each scenario runs for IPv4 and IPv6.
 #include "static/AllEgressVrfIntfStatusHelperSm.h"
 
+#include <array>
+#include <functional>
 #include <map>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -22,20 +25,32 @@ using Routing::Static::AllEgressVrfIntfStatusHelperSm;
 using Routing::Static::EgressVrfIntfStatusHelperSm;
 using Set = std::multiset<std::string>;
 
-// A route machine as the helper sees it: how often it was told of each egress VRF.
+// A route machine of one VRF as the helper sees it: how often it was told of each egress VRF,
+// and (when given a log) the order in which the clients were told.
 class Client : public Routing::Static::EgressVrfIntfStatusClient {
  public:
-  void handleInterVrfRoutes(L3::VrfName const& egressVrf) override { ++told[std::string(egressVrf.view())]; }
+  explicit Client(char const* vrf = "default", std::vector<std::string>* log = nullptr,
+                  Routing::Rib::RoutingProtocol protocol = Routing::Rib::RoutingProtocol::staticConfig())
+      : vrf(vrf), log(log), key{vrf, protocol} {}
+  void handleInterVrfRoutes(L3::VrfName const& egressVrf) override {
+    ++told[std::string(egressVrf.view())];
+    if (log) log->push_back(vrf + " " + key.protocol.toStrep());
+    if (onTold) onTold();
+  }
   // How often it was told of `vrf` since the last take.
   unsigned take(char const* vrf) { return std::exchange(told[vrf], 0); }
+  std::string vrf;
+  std::vector<std::string>* log;
+  Routing::Static::EgressVrfIntfStatusClient::Key key;
+  std::function<void()> onTold;
   std::map<std::string, unsigned> told;
 };
 
 class EgressVrfIntfStatusHelperSmTest : public RuntimeFixture, public ::testing::WithParamInterface<Family> {
  protected:
   [[nodiscard]] AllEgressVrfIntfStatusHelperSm& all() const { return *h.egress; }
-  void registerFor(char const* vrf, Client& client) { all().registerForVrfIntfStatus(vrf, f.af, &client); }
-  void unregisterFor(char const* vrf, Client& client) { all().unregisterForVrfIntfStatus(vrf, f.af, &client); }
+  void registerFor(char const* vrf, Client& client) { all().registerForVrfIntfStatus(vrf, f.af, client.key, &client); }
+  void unregisterFor(char const* vrf, Client& client) { all().unregisterForVrfIntfStatus(vrf, f.af, client.key); }
   [[nodiscard]] bool hasHelper(char const* vrf) const { return all().egressVrfIntfStatusHelperSmHas(ContainerKey(vrf, f.af)); }
   // Whether the helper answers that the interface of the egress VRF routes.
   [[nodiscard]] bool routes(char const* vrf, char const* intf) const {
@@ -105,8 +120,8 @@ TEST_P(EgressVrfIntfStatusHelperSmTest, AClientIsToldWhileItsEgressVrfsInterface
 
 TEST_P(EgressVrfIntfStatusHelperSmTest, ClientsOfOneEgressVrfShareOneHelperUntilTheLastGoes) {
   h.vrfIntfIs("red", "Ethernet5");
-  Client first;
-  Client second;
+  Client first("blue");
+  Client second("green");
   // 1. A client registered where the table exists is told at once; a second is told with it later.
   registerFor("red", first);
   EXPECT_GT(first.take("red"), 0u) << "step 1";
@@ -129,16 +144,48 @@ TEST_P(EgressVrfIntfStatusHelperSmTest, ClientsOfOneEgressVrfShareOneHelperUntil
 
   // 3. The other family's clients of the VRF have a helper of their own.
   Client v;
-  all().registerForVrfIntfStatus("red", other.af, &v);
+  all().registerForVrfIntfStatus("red", other.af, v.key, &v);
   EXPECT_FALSE(all().egressVrfIntfStatusHelperSmHas(ContainerKey("red", other.af))) << "step 3: no table there yet";
   other.vrfIntfIs("red", "Ethernet5");
   runToIdle();
   EXPECT_GT(v.take("red"), 0u) << "step 3";
   EXPECT_EQ(second.take("red"), 0u) << "step 3";
-  all().unregisterForVrfIntfStatus("red", other.af, &v);
+  all().unregisterForVrfIntfStatus("red", other.af, v.key);
   unregisterFor("red", second);
   EXPECT_EQ(all().egressVrfIntfStatusHelperSmSize(), 0u);
   EXPECT_EQ(all().registeredClientsSize(), 0u);
+}
+
+// The clients of an egress VRF are told in the order of their own VRFs' names, then protocols,
+// whatever their addresses and the order they came in; one leaving during the walk is not told.
+TEST_P(EgressVrfIntfStatusHelperSmTest, ClientsAreToldInTheOrderOfTheirVrfs) {
+  h.vrfIntfIs("red", "Ethernet5");
+  std::vector<std::string> log;
+  auto const input = Routing::Rib::RoutingProtocol::routeInput();
+  // Laid out in memory as red, blue (route input), green, blue (static).
+  std::array<Client, 4> clients{Client("red", &log), Client("blue", &log, input), Client("green", &log),
+                                Client("blue", &log)};
+  for (std::size_t i : {2u, 0u, 1u, 3u}) registerFor("red", clients[i]);
+  log.clear();
+
+  // 1. A change tells each once, in order.
+  h.vrfIntfIs("red", "Ethernet5", false);
+  runToIdle();
+  EXPECT_EQ(log, (std::vector<std::string>{"blue staticConfig", "blue routeInput", "green staticConfig",
+                                           "red staticConfig"}))
+      << "step 1";
+
+  // 2. Green makes red leave: red is not told, the others still are.
+  log.clear();
+  clients[2].onTold = [&] { unregisterFor("red", clients[0]); };
+  h.vrfIntfIs("red", "Ethernet5");
+  runToIdle();
+  EXPECT_EQ(log, (std::vector<std::string>{"blue staticConfig", "blue routeInput", "green staticConfig"})) << "step 2";
+
+  // 3. Another client of a VRF and protocol that has one is a programming error.
+  Client intruder("blue");
+  EXPECT_DEATH(registerFor("red", intruder), "one client per VRF and protocol registers for an egress VRF");
+  registerFor("red", clients[3]);  // the same client again is once
 }
 
 // Routes of one VRF leaving through the egress VRF "red" (id 5): they follow its interfaces, and

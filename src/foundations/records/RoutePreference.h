@@ -12,34 +12,26 @@
 
 #include <fmt/ostream.h>
 
+#include "foundations/runtime/NumberValue.h"
+
 namespace Routing {
 
-class RoutePreference {
+class RoutePreference : public Zel::NumberValue<RoutePreference, std::uint8_t> {
  public:
   static constexpr std::uint8_t kNotConfigured = 1;
 
-  constexpr RoutePreference() noexcept = default;
-  constexpr explicit RoutePreference(std::uint8_t value) noexcept : value_(value) {}
+  constexpr RoutePreference() noexcept : NumberValue(kNotConfigured) {}
+  constexpr explicit RoutePreference(std::uint8_t value) noexcept : NumberValue(value) {}
 
-  [[nodiscard]] constexpr std::uint8_t value() const noexcept { return value_; }
   // True for the default value, which stands for "use the global preference".
   [[nodiscard]] constexpr bool isNotConfigured() const noexcept { return value_ == kNotConfigured; }
 
-  // A decimal number from 0 to 255; nothing for anything else.
-  [[nodiscard]] static std::optional<RoutePreference> fromString(std::string_view text);
-  // The bare number valueToStrep prints.
-  [[nodiscard]] static std::optional<RoutePreference> fromStrep(std::string_view text) { return fromString(text); }
+  // A decimal number from 0 to 255 (the text form, too); nothing for anything else.
+  [[nodiscard]] static std::optional<RoutePreference> fromString(std::string_view text) { return fromStrep(text); }
 
-  [[nodiscard]] std::uint32_t hash(std::uint32_t seed) const noexcept;
-  friend constexpr bool operator==(RoutePreference a, RoutePreference b) noexcept = default;
-  friend constexpr std::strong_ordering operator<=>(RoutePreference a, RoutePreference b) noexcept = default;
+  // Hash, equality, order and the text form come from the number.
   friend std::ostream& operator<<(std::ostream& os, RoutePreference p) { return os << unsigned(p.value_); }
-
- private:
-  std::uint8_t value_ = kNotConfigured;
 };
-
-[[nodiscard]] std::string valueToStrep(RoutePreference p);
 
 }  // namespace Routing
 

@@ -2,7 +2,8 @@
 // them (a via's label stack, its entry list, a profile's methods). It owns its values: inline for
 // a small bound, on the heap for a large one, so that a mostly empty list of 1024 costs a pointer
 // and not four kilobytes in every copy. Writing past N raises the runtime's fixed-array range
-// failure (Zel::PodArrayImpl::throwRangeException); it writes nothing outside itself.
+// failure (Zel::PodArrayImpl::throwRangeException); it writes nothing outside itself. A value that
+// holds one lists it as a field, which hashes it as a range: its size, then its entries.
 //
 // Iteration: begin()/end() walk the used entries [0, size()) in index order; any write may move
 // the heap form's storage, so no iterator or reference survives a write.
@@ -17,7 +18,6 @@
 #include <vector>
 
 #include "foundations/runtime/Exception.h"
-#include "foundations/runtime/Hash.h"
 
 namespace Routing::Rib {
 
@@ -58,12 +58,6 @@ class BoundedArray {
   [[nodiscard]] T const* begin() const noexcept { return data(); }
   [[nodiscard]] T const* end() const noexcept { return data() + size(); }
 
-  [[nodiscard]] std::uint32_t hash(std::uint32_t seed) const {
-    Zel::HashBuilder h(seed);
-    h.add(size());
-    for (T const& v : *this) h.add(Zel::hashOf(v, seed));
-    return h.value();
-  }
   friend bool operator==(BoundedArray const& a, BoundedArray const& b) {
     return std::equal(a.begin(), a.end(), b.begin(), b.end());
   }

@@ -35,7 +35,7 @@ class IgpResultTable : public Zel::Entity, private Routing::Rib::DedupOwner<std:
   [[nodiscard]] static Quill::Ptr<IgpResultTable> IgpResultTableIs(
       Quill::Ptr<Routing::Rib::IdAllocator> allocator = nullptr);
 
-  static constexpr Zel::AttrId igpResultId = 130;
+  ZEL_ATTR_ID(igpResult, 130);
   // The result of an id; the default result when absent.
   [[nodiscard]] IgpResult igpResult(std::uint32_t id) const { return results_.get(id); }
   [[nodiscard]] bool igpResultHas(std::uint32_t id) const { return results_.has(id); }

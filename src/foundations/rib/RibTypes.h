@@ -10,9 +10,11 @@
 #include <string>
 #include <string_view>
 #include <tuple>
+#include <utility>
 
 #include <fmt/ostream.h>
 
+#include "foundations/runtime/NumberValue.h"
 #include "foundations/runtime/ValueFields.h"
 #include "foundations/types/AddressFamily.h"
 
@@ -20,34 +22,23 @@ namespace Vrf::VrfIdMap {
 
 // The id of a VRF. Values that fit in 24 bits are usable; 0 is the default VRF and 0xffffff
 // means no VRF. A default-constructed id is 0, like the plain number it stands for.
-class VrfId {
+class VrfId : public Zel::NumberValue<VrfId, std::uint32_t> {
  public:
   static constexpr std::uint32_t kDefault = 0;
   static constexpr std::uint32_t kNone = 0xffffff;
 
-  constexpr VrfId() noexcept = default;
-  constexpr VrfId(std::uint32_t value) noexcept : value_(value) {}  // NOLINT: an id is its number
+  constexpr VrfId() noexcept : NumberValue(kDefault) {}
+  constexpr VrfId(std::uint32_t value) noexcept : NumberValue(value) {}  // NOLINT: an id is its number
 
   [[nodiscard]] static constexpr VrfId defaultVrf() noexcept { return VrfId(kDefault); }
   [[nodiscard]] static constexpr VrfId none() noexcept { return VrfId(kNone); }
 
-  [[nodiscard]] constexpr std::uint32_t value() const noexcept { return value_; }
   [[nodiscard]] constexpr bool isNone() const noexcept { return value_ == kNone; }
   [[nodiscard]] constexpr bool isDefault() const noexcept { return value_ == kDefault; }
 
-  // The bare decimal number that valueToStrep prints.
-  [[nodiscard]] static std::optional<VrfId> fromStrep(std::string_view text);
-
-  [[nodiscard]] std::uint32_t hash(std::uint32_t seed) const noexcept;
-  friend constexpr bool operator==(VrfId a, VrfId b) noexcept = default;
-  friend constexpr std::strong_ordering operator<=>(VrfId a, VrfId b) noexcept = default;
+  // Hash, equality, order and the bare decimal text form come from the number.
   friend std::ostream& operator<<(std::ostream& os, VrfId v) { return os << v.value_; }
-
- private:
-  std::uint32_t value_ = kDefault;
 };
-
-[[nodiscard]] std::string valueToStrep(VrfId v);
 
 }  // namespace Vrf::VrfIdMap
 
@@ -98,35 +89,30 @@ using Id = std::uint64_t;
 
 // The routing protocol a RIB entry belongs to, 16 bits. 2 is the static configuration and 4 the
 // injected routes of route input; the RIB names the others and they are carried as numbers.
-class RoutingProtocol {
+// Hash, equality, order and the text form come from the number and its names.
+class RoutingProtocol : public Zel::NumberValue<RoutingProtocol, std::uint16_t> {
  public:
-  constexpr RoutingProtocol() noexcept = default;
-  constexpr RoutingProtocol(std::uint16_t value) noexcept : value_(value) {}  // NOLINT: a number
+  // The text form names these ('staticConfig'); any other protocol is its number ('7').
+  static constexpr std::pair<std::string_view, std::uint16_t> kNames[] = {{"staticConfig", 2}, {"routeInput", 4}};
+
+  constexpr RoutingProtocol() noexcept : NumberValue(0) {}
+  constexpr RoutingProtocol(std::uint16_t value) noexcept : NumberValue(value) {}  // NOLINT: a number
 
   [[nodiscard]] static constexpr RoutingProtocol staticConfig() noexcept { return RoutingProtocol(2); }
   [[nodiscard]] static constexpr RoutingProtocol routeInput() noexcept { return RoutingProtocol(4); }
 
-  [[nodiscard]] constexpr std::uint16_t value() const noexcept { return value_; }
-  // "staticConfig", "routeInput", or the decimal number of any other protocol.
-  [[nodiscard]] std::string toStrep() const;
-  [[nodiscard]] static std::optional<RoutingProtocol> fromStrep(std::string_view text);
-
-  [[nodiscard]] std::uint32_t hash(std::uint32_t seed) const noexcept;
-  friend constexpr bool operator==(RoutingProtocol a, RoutingProtocol b) noexcept = default;
-  friend constexpr std::strong_ordering operator<=>(RoutingProtocol a, RoutingProtocol b) noexcept = default;
   friend std::ostream& operator<<(std::ostream& os, RoutingProtocol p) { return os << p.toStrep(); }
-  // The quoted form inside Value('...') forms: 'staticConfig', '7'.
-  friend std::string valueToStrep(RoutingProtocol p);
-
- private:
-  std::uint16_t value_ = 0;
 };
 
-// What a via runs over, 8 bits: 1 IPv4, 2 IPv6, 3 EVPN.
-class Transport {
+// What a via runs over, 8 bits: 1 IPv4, 2 IPv6, 3 EVPN. Hash, equality, order and the text form
+// come from the number and its names.
+class Transport : public Zel::NumberValue<Transport, std::uint8_t> {
  public:
-  constexpr Transport() noexcept = default;
-  constexpr Transport(std::uint8_t value) noexcept : value_(value) {}  // NOLINT: a number
+  // The text form names these ('ipv4'); any other transport is its number ('0').
+  static constexpr std::pair<std::string_view, std::uint8_t> kNames[] = {{"ipv4", 1}, {"ipv6", 2}, {"evpn", 3}};
+
+  constexpr Transport() noexcept : NumberValue(0) {}
+  constexpr Transport(std::uint8_t value) noexcept : NumberValue(value) {}  // NOLINT: a number
 
   [[nodiscard]] static constexpr Transport transportIpv4() noexcept { return Transport(1); }
   [[nodiscard]] static constexpr Transport transportIpv6() noexcept { return Transport(2); }
@@ -142,20 +128,7 @@ class Transport {
                                   : Ondex::AddressFamily::unset;
   }
 
-  [[nodiscard]] constexpr std::uint8_t value() const noexcept { return value_; }
-  // "ipv4", "ipv6", "evpn", or the decimal number of any other transport.
-  [[nodiscard]] std::string toStrep() const;
-  [[nodiscard]] static std::optional<Transport> fromStrep(std::string_view text);
-
-  [[nodiscard]] std::uint32_t hash(std::uint32_t seed) const noexcept;
-  friend constexpr bool operator==(Transport a, Transport b) noexcept = default;
-  friend constexpr std::strong_ordering operator<=>(Transport a, Transport b) noexcept = default;
   friend std::ostream& operator<<(std::ostream& os, Transport t) { return os << t.toStrep(); }
-  // The quoted form inside Value('...') forms: 'ipv4'.
-  friend std::string valueToStrep(Transport t);
-
- private:
-  std::uint8_t value_ = 0;
 };
 
 }  // namespace Routing::Rib

@@ -5,6 +5,7 @@
 
 #include <compare>
 #include <ostream>
+#include <tuple>
 
 #include <fmt/ostream.h>
 
@@ -13,7 +14,7 @@
 
 namespace Routing::Rib {
 
-class Via : public ViaContent {
+class Via : public ViaContent, public Zel::ValueFields<Via> {
  public:
   Via() = default;
   explicit Via(ViaKey const& key) : viaKey_(key) {}
@@ -23,11 +24,11 @@ class Via : public ViaContent {
   void viaKeyIs(ViaKey const& key) noexcept { viaKey_ = key; }
   [[nodiscard]] ViaContent const& content() const noexcept { return *this; }
 
-  [[nodiscard]] std::uint32_t hash(std::uint32_t seed) const {
-    return Zel::HashBuilder(seed).add(viaKey_.hash(seed)).add(ViaContent::hash(seed)).value();
+  // Hash, equality and order (the content first, then the key) come from these.
+  static constexpr auto fields() {
+    return std::tuple{Zel::field("content", &Via::content), Zel::field("viaKey", &Via::viaKey_)};
   }
-  friend bool operator==(Via const& a, Via const& b) = default;
-  friend std::partial_ordering operator<=>(Via const& a, Via const& b) = default;
+  using ValueFields<Via>::hash;
   // "Via(key: content)", for traces.
   friend std::ostream& operator<<(std::ostream& os, Via const& v) {
     return os << "Via(" << v.viaKey_ << ": " << v.content() << ')';

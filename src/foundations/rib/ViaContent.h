@@ -7,17 +7,19 @@
 #include <compare>
 #include <cstdint>
 #include <ostream>
+#include <tuple>
 
 #include <fmt/ostream.h>
 
 #include "foundations/rib/BoundedArray.h"
 #include "foundations/rib/ResolutionRibProfileConfig.h"
+#include "foundations/runtime/ValueFields.h"
 #include "foundations/types/IntfId.h"
 #include "foundations/types/IpGenAddr.h"
 
 namespace Routing::Rib {
 
-class ViaContent {
+class ViaContent : public Zel::ValueFields<ViaContent> {
  public:
   // Labels are 20 bits; any larger value means the via has no label.
   static constexpr std::uint32_t kMaxLabel = 0xfffff;
@@ -61,10 +63,14 @@ class ViaContent {
   void entryListIs(std::uint32_t index, std::uint32_t value) { entryList_.set(index, value); }
   void entryListDelAll() noexcept { entryList_.clear(); }
 
-  [[nodiscard]] std::uint32_t hash(std::uint32_t seed) const;
-  friend bool operator==(ViaContent const& a, ViaContent const& b) = default;
-  // Field by field: a total order for tables keyed by content.
-  friend std::partial_ordering operator<=>(ViaContent const& a, ViaContent const& b) = default;
+  // Hash, equality and order (field by field, partial for the weight) come from these.
+  static constexpr auto fields() {
+    return std::tuple{Zel::field("nextHop", &ViaContent::nextHop_),     Zel::field("intfId", &ViaContent::intfId_),
+                      Zel::field("mplsLabel", &ViaContent::mplsLabel_), Zel::field("flags", &ViaContent::flags_),
+                      Zel::field("profile", &ViaContent::profile_),     Zel::field("weight", &ViaContent::weight_),
+                      Zel::field("labelStack", &ViaContent::labelStack_),
+                      Zel::field("entryList", &ViaContent::entryList_)};
+  }
   // "nextHop 10.0.0.1 intf Ethernet1 label 16 flags 0x100 weight 1 profile [...]", with only the
   // parts that are set; the arrays as their counts.
   friend std::ostream& operator<<(std::ostream& os, ViaContent const& c);

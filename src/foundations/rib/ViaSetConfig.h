@@ -33,7 +33,7 @@ class ViaSetConfig : public Zel::Entity, private DedupOwner<ViaSetKey> {
   ZEL_CONST(ViaSetConfigKey, key)
 
   // VRFs being rebuilt after a restart.
-  static constexpr Zel::AttrId restartingVrfId = 130;
+  ZEL_ATTR_ID(restartingVrf, 130);
   [[nodiscard]] bool restartingVrfHas(L3::VrfName const& vrf) const { return restartingVrf_.has(vrf); }
   [[nodiscard]] std::size_t restartingVrfSize() const { return restartingVrf_.map().size(); }
   [[nodiscard]] auto restartingVrfIteratorConst() const { return restartingVrf_.map().iterator(); }
@@ -43,7 +43,7 @@ class ViaSetConfig : public Zel::Entity, private DedupOwner<ViaSetKey> {
   void restartingVrfDel(L3::VrfName const& vrf);
 
   // The storage the sets are written to.
-  static constexpr Zel::AttrId configViaSetCollId = 131;
+  ZEL_ATTR_ID(configViaSetColl, 131);
   [[nodiscard]] Quill::Ptr<Skein::ViaSetCollection> const& configViaSetColl() const noexcept { return coll_; }
   // Binds the table to a storage: handles of the former one are detached, and the sets already in
   // the new one become unheld entries. The id allocator is moved past their ids.

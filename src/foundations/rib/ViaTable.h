@@ -34,7 +34,7 @@ class ViaTable : public Zel::Entity, private DedupOwner<ViaKey> {
   ZEL_ATTR_DEFAULT(Quill::String, rib, 132, "rib")
 
   // The vias, by key. An absent key reads as the default via of that key.
-  static constexpr Zel::AttrId viaId = 133;
+  ZEL_ATTR_ID(via, 133);
   [[nodiscard]] ViaT via(ViaKey const& k) const {
     ViaT const* v = via_.map().find(k);
     return v ? *v : ViaT(k);
@@ -51,7 +51,7 @@ class ViaTable : public Zel::Entity, private DedupOwner<ViaKey> {
   void viaDel(ViaKey const& k) { doRemove(k); }
 
   // VRFs being rebuilt after a restart: their unheld vias stay until the mark goes.
-  static constexpr Zel::AttrId restartingVrfId = 134;
+  ZEL_ATTR_ID(restartingVrf, 134);
   [[nodiscard]] bool restartingVrfHas(VrfId v) const { return restartingVrf_.has(v); }
   [[nodiscard]] std::size_t restartingVrfSize() const { return restartingVrf_.map().size(); }
   [[nodiscard]] auto restartingVrfIteratorConst() const { return restartingVrf_.map().iterator(); }

@@ -282,12 +282,18 @@ class OwnedAttr {
                                                             \
  public:
 
-// An attribute's id: nameId. Two attributes of one class with the same id do not compile (the
-// second declaration of zelAttrIdTaken for that id is an error); every attribute macro declares
-// its id here, and an attribute whose members are written by hand declares it with this macro.
-#define ZEL_ATTR_ID(name, id)                      \
-  static constexpr ::Zel::AttrId name##Id = (id);  \
-  static void zelAttrIdTaken(::Zel::AttrTag<(id)>)
+// An attribute's id: nameId. Every attribute macro declares its id here, and an attribute whose
+// members are written by hand declares it with this macro. An id is taken by a final (and deleted,
+// never called) virtual zelAttrIdTaken of its tag, so that neither a second attribute of the id in
+// one class ("cannot be overloaded") nor one in a class derived from it ("overriding final
+// function") compiles. Each class's overloads hide its bases' by design: no hiding warning.
+#define ZEL_ATTR_ID(name, id)                                            \
+  static constexpr ::Zel::AttrId name##Id = (id);                        \
+  _Pragma("GCC diagnostic push")                                         \
+  _Pragma("GCC diagnostic ignored \"-Woverloaded-virtual\"")           \
+  virtual void zelAttrIdTaken(::Zel::AttrTag<(id)>) final = delete;      \
+  _Pragma("GCC diagnostic pop")                                          \
+  static_assert(true)
 
 // A scalar: x(), xIs(v), xDel() (back to the default), xInc(n) for numbers.
 #define ZEL_ATTR(Type, name, id) ZEL_ATTR_DEFAULT(Type, name, id, Type{})

@@ -11,7 +11,7 @@ namespace Zel {
 
 class Dir : public Entity {
  public:
-  static constexpr AttrId entryStateId = 130;
+  ZEL_ATTR_ID(entryState, 130);
   using Entries = HashMap2018<Quill::String, Quill::Ptr<Entity>>;
 
   static Quill::Ptr<Dir> DirIs(Quill::String name) { return make<Dir>(std::move(name)); }

@@ -10,25 +10,32 @@
 //     ...
 //
 // and gets from this base:
-//   hash(seed)            every field mixed in, in list order (integers and enums as words, other
-//                         fields through their own hash, ranges as their size and elements);
+//   hash(seed)            every field mixed in, in list order (integers and enums as themselves,
+//                         floats as their bits with -0 as 0, a type with hashWord() as that number,
+//                         other fields through their own hash, ranges as their size and elements;
+//                         two parts of 32 bits or less in a row go in as one word);
 //   ==                    every field equal;
-//   <=>                   the fields compared in list order (under ValueOrder::own the type writes
-//                         its own order, or has none);
+//   <=>                   the fields compared in list order, in the weakest ordering of any field
+//                         (a float field makes it partial); under ValueOrder::own the type writes
+//                         its own order, or has none;
 //   valueToStrep, fromStrep   "Value('Routing::RouteKey', ** {'prefix': '10.0.0.0/8', 'preference': 1})"
 //                         and its inverse, when the type names kTypeName. Each field prints through
 //                         Zel::FieldText<M>: unsigned numbers bare, bools True/False, strings quoted,
 //                         ranges as "[a, b]", any other type by its own valueToStrep and fromStrep.
-// fromStrep builds the default value and sets each field, so the type is default-constructible and
-// its fields assignable. fields() may be private when the type befriends Zel::ValueFieldsAccess.
-// A plain aggregate (which a base class would stop being) keeps its defaulted == and <=> and takes
-// its hash from Zel::hashFields.
+// An entry names a data member or a const member function that gives the field (a base part of
+// the value: field("content", &Via::content)); fromStrep sets data members only. fromStrep builds
+// the default value and sets each field, so the type is default-constructible and its fields
+// assignable. fields() may be private when the type befriends Zel::ValueFieldsAccess.
+// A plain aggregate (which a base class would stop being) keeps its defaulted == and <=>, takes its
+// hash from Zel::hashFields and its text form from Zel::fieldsToStrep and Zel::fieldsFromStrep.
 #pragma once
 
 #include <compare>
 #include <cstddef>
 #include <cstdint>
 #include <array>
+#include <bit>
+#include <functional>
 #include <iterator>
 #include <optional>
 #include <ranges>
@@ -44,7 +51,8 @@
 
 namespace Zel {
 
-// One entry of a field list: the name its text form uses and the member.
+// One entry of a field list: the name its text form uses and the member (a data member, or a const
+// member function that gives the field).
 template <class T, class M>
 struct Field {
   std::string_view name;
@@ -100,15 +108,69 @@ struct FieldText<M, std::enable_if_t<std::ranges::range<M> && !std::is_convertib
 };
 
 namespace Impl {
-template <class M>
-void addToHash(HashBuilder& h, M const& v, std::uint32_t seed) noexcept {
-  if constexpr (std::is_integral_v<M> || std::is_enum_v<M>) {
-    h.add(std::uint64_t(v));
-  } else if constexpr (requires { v.hash(seed); }) {
-    h.add(v.hash(seed));
+// Mixes a value's fields into a hash. What fits in 32 bits (a small number, a float, a field's own
+// 32-bit hash, a range's size) waits for the next such part, and the two go in as one word.
+class FieldMixer {
+ public:
+  explicit constexpr FieldMixer(std::uint32_t seed) noexcept : h_(seed) {}
+  constexpr void half(std::uint32_t w) noexcept {
+    if (hasHalf_) {
+      h_.add(std::uint64_t(half_) << 32 | w);
+      hasHalf_ = false;
+    } else {
+      half_ = w;
+      hasHalf_ = true;
+    }
+  }
+  constexpr void word(std::uint64_t w) noexcept {
+    flush();
+    h_.add(w);
+  }
+  [[nodiscard]] constexpr std::uint32_t value() noexcept {
+    flush();
+    return h_.value();
+  }
+
+ private:
+  constexpr void flush() noexcept {
+    if (hasHalf_) h_.add(half_);
+    hasHalf_ = false;
+  }
+
+  HashBuilder h_;
+  std::uint32_t half_ = 0;
+  bool hasHalf_ = false;
+};
+
+template <class W>
+constexpr void addWord(FieldMixer& m, W w) noexcept {
+  if constexpr (sizeof(W) <= 4) {
+    m.half(std::uint32_t(w));
   } else {
-    h.add(std::size(v));
-    for (auto const& e : v) addToHash(h, e, seed);
+    m.word(std::uint64_t(w));
+  }
+}
+
+template <class M>
+void addToHash(FieldMixer& m, M const& v, std::uint32_t seed) noexcept {
+  if constexpr (std::is_integral_v<M> || std::is_enum_v<M>) {
+    addWord(m, v);
+  } else if constexpr (std::is_floating_point_v<M>) {
+    // 0.0 and -0.0 are equal, so they hash alike.
+    M const n = v == 0 ? M(0) : v;
+    if constexpr (sizeof(M) == 4) {
+      m.half(std::bit_cast<std::uint32_t>(n));
+    } else {
+      m.word(std::bit_cast<std::uint64_t>(n));
+    }
+  } else if constexpr (requires { v.hashWord(); }) {
+    // A small value whose identity is one number: mixed in directly, not hashed apart first.
+    addWord(m, v.hashWord());
+  } else if constexpr (requires { v.hash(seed); }) {
+    m.half(v.hash(seed));
+  } else {
+    m.half(std::uint32_t(std::size(v)));
+    for (auto const& e : v) addToHash(m, e, seed);
   }
 }
 }  // namespace Impl
@@ -120,13 +182,92 @@ struct ValueFieldsAccess {
   }
 };
 
+namespace Impl {
+// The value one entry gives: the member itself, or what the member function returns.
+template <class T, class F>
+constexpr decltype(auto) fieldOf(T const& v, F const& f) noexcept {
+  return std::invoke(f.member, v);
+}
+template <class T, class F>
+using FieldType = std::remove_cvref_t<decltype(fieldOf(std::declval<T const&>(), std::declval<F const&>()))>;
+
+template <class T, class List>
+struct FieldsOrdering;
+template <class T, class... F>
+struct FieldsOrdering<T, std::tuple<F...>> {
+  using type = std::common_comparison_category_t<std::compare_three_way_result_t<FieldType<T, F>>...>;
+};
+
+template <class T, class Fn>
+constexpr void forEachField(Fn&& fn) {
+  std::apply([&](auto const&... f) { (fn(f), ...); }, ValueFieldsAccess::fields<T>());
+}
+}  // namespace Impl
+
+// The order of a value's field list: each field in turn, in the weakest ordering of any of them.
+template <class T>
+using FieldsOrdering = typename Impl::FieldsOrdering<T, decltype(ValueFieldsAccess::fields<T>())>::type;
+
 // The hash of a value from its field list alone: for a plain aggregate that keeps its defaulted
 // == and <=> (which already go field by field) and cannot take a base class.
 template <class T>
 [[nodiscard]] std::uint32_t hashFields(T const& v, std::uint32_t seed) noexcept {
-  HashBuilder h(seed);
-  std::apply([&](auto const&... f) { (Impl::addToHash(h, v.*f.member, seed), ...); }, ValueFieldsAccess::fields<T>());
-  return h.value();
+  Impl::FieldMixer m(seed);
+  Impl::forEachField<T>([&](auto const& f) { Impl::addToHash(m, Impl::fieldOf(v, f), seed); });
+  return m.value();
+}
+
+template <class T>
+[[nodiscard]] constexpr bool fieldsEqual(T const& a, T const& b) noexcept {
+  return std::apply([&](auto const&... f) { return ((Impl::fieldOf(a, f) == Impl::fieldOf(b, f)) && ...); },
+                    ValueFieldsAccess::fields<T>());
+}
+
+template <class T>
+[[nodiscard]] constexpr FieldsOrdering<T> compareFields(T const& a, T const& b) noexcept {
+  FieldsOrdering<T> c = std::strong_ordering::equal;
+  std::apply([&](auto const&... f) { (void)((c = Impl::fieldOf(a, f) <=> Impl::fieldOf(b, f), c == 0) && ...); },
+             ValueFieldsAccess::fields<T>());
+  return c;
+}
+
+// "Value('<T::kTypeName>', ** {'field': text, ...})", each field through its FieldText.
+template <class T>
+[[nodiscard]] std::string fieldsToStrep(T const& v) {
+  constexpr std::size_t n = std::tuple_size_v<decltype(ValueFieldsAccess::fields<T>())>;
+  std::string texts[n];
+  ValueText::Field printed[n];
+  std::size_t i = 0;
+  Impl::forEachField<T>([&](auto const& f) {
+    auto const& value = Impl::fieldOf(v, f);
+    texts[i] = FieldText<std::remove_cvref_t<decltype(value)>>::print(value);
+    printed[i] = {f.name, texts[i]};
+    ++i;
+  });
+  return ValueText::print(T::kTypeName, printed);
+}
+
+// The inverse of fieldsToStrep: nothing unless the whole text is the form of one T.
+template <class T>
+[[nodiscard]] std::optional<T> fieldsFromStrep(std::string_view text) {
+  static constexpr auto names =
+      std::apply([](auto const&... f) { return std::array{f.name...}; }, ValueFieldsAccess::fields<T>());
+  auto texts = ValueText::parse(text, T::kTypeName, names);
+  if (!texts) return std::nullopt;
+  T v{};
+  std::size_t i = 0;
+  bool ok = true;
+  Impl::forEachField<T>([&](auto const& f) {
+    if (!ok) return;
+    auto value = FieldText<std::remove_cvref_t<decltype(v.*f.member)>>::parse((*texts)[i++]);
+    if (value) {
+      v.*f.member = std::move(*value);
+    } else {
+      ok = false;
+    }
+  });
+  if (!ok) return std::nullopt;
+  return v;
 }
 
 enum class ValueOrder { byFields, own };
@@ -134,61 +275,26 @@ enum class ValueOrder { byFields, own };
 template <class Derived, ValueOrder kOrder = ValueOrder::byFields>
 class ValueFields {
  public:
-  [[nodiscard]] std::uint32_t hash(std::uint32_t seed) const noexcept { return hashFields(self(), seed); }
-
-  friend constexpr bool operator==(Derived const& a, Derived const& b) noexcept {
-    return std::apply([&](auto const&... f) { return ((a.*f.member == b.*f.member) && ...); }, list());
+  [[nodiscard]] std::uint32_t hash(std::uint32_t seed) const noexcept {
+    return hashFields(static_cast<Derived const&>(*this), seed);
   }
-  friend constexpr std::strong_ordering operator<=>(Derived const& a, Derived const& b) noexcept
+
+  friend constexpr bool operator==(Derived const& a, Derived const& b) noexcept { return fieldsEqual(a, b); }
+  friend constexpr auto operator<=>(Derived const& a, Derived const& b) noexcept
     requires(kOrder == ValueOrder::byFields)
   {
-    std::strong_ordering c = std::strong_ordering::equal;
-    std::apply([&](auto const&... f) { (void)((c = a.*f.member <=> b.*f.member, c == 0) && ...); }, list());
-    return c;
+    return compareFields(a, b);
   }
 
   friend std::string valueToStrep(Derived const& v)
     requires requires { Derived::kTypeName; }
   {
-    constexpr std::size_t n = std::tuple_size_v<decltype(list())>;
-    std::string texts[n];
-    ValueText::Field printed[n];
-    std::size_t i = 0;
-    v.forEach([&](auto const& f) {
-      texts[i] = FieldText<std::remove_cvref_t<decltype(v.*f.member)>>::print(v.*f.member);
-      printed[i] = {f.name, texts[i]};
-      ++i;
-    });
-    return ValueText::print(Derived::kTypeName, printed);
+    return fieldsToStrep(v);
   }
   [[nodiscard]] static std::optional<Derived> fromStrep(std::string_view text)
     requires requires { Derived::kTypeName; }
   {
-    static constexpr auto names = std::apply([](auto const&... f) { return std::array{f.name...}; }, list());
-    auto texts = ValueText::parse(text, Derived::kTypeName, names);
-    if (!texts) return std::nullopt;
-    Derived v;
-    std::size_t i = 0;
-    bool ok = true;
-    v.forEach([&](auto const& f) {
-      if (!ok) return;
-      auto value = FieldText<std::remove_cvref_t<decltype(v.*f.member)>>::parse((*texts)[i++]);
-      if (value) {
-        v.*f.member = std::move(*value);
-      } else {
-        ok = false;
-      }
-    });
-    if (!ok) return std::nullopt;
-    return v;
-  }
-
- private:
-  static constexpr auto list() { return ValueFieldsAccess::fields<Derived>(); }
-  [[nodiscard]] constexpr Derived const& self() const noexcept { return static_cast<Derived const&>(*this); }
-  template <class Fn>
-  constexpr void forEach(Fn&& fn) const {
-    std::apply([&](auto const&... f) { (fn(f), ...); }, list());
+    return fieldsFromStrep<Derived>(text);
   }
 };
 

@@ -44,6 +44,8 @@ class IntfId {
 
   // Hash of the id: equal names have equal ids, so equal values hash equal.
   [[nodiscard]] std::uint32_t hash(std::uint32_t seed) const noexcept;
+  // The id, as the word a composite value's hash mixes in (Zel::ValueFields).
+  [[nodiscard]] constexpr std::uint32_t hashWord() const noexcept { return id_; }
   friend constexpr bool operator==(IntfId a, IntfId b) noexcept = default;
   // By name; the empty name first.
   friend std::strong_ordering operator<=>(IntfId a, IntfId b) noexcept;

@@ -12,18 +12,19 @@
 
 #include <fmt/ostream.h>
 
+#include "foundations/runtime/NumberValue.h"
+
 namespace Ondex {
 
-class MplsLabel {
+class MplsLabel : public Zel::NumberValue<MplsLabel, std::uint32_t> {
  public:
   static constexpr std::uint32_t kMaxLabel = 0xfffff;
   static constexpr std::uint32_t kNoLabel = 0x100000;
 
-  constexpr MplsLabel() noexcept = default;
-  constexpr explicit MplsLabel(std::uint32_t value) noexcept : value_(value > kMaxLabel ? kNoLabel : value) {}
+  constexpr MplsLabel() noexcept : NumberValue(kNoLabel) {}
+  constexpr explicit MplsLabel(std::uint32_t value) noexcept : NumberValue(value > kMaxLabel ? kNoLabel : value) {}
   [[nodiscard]] static constexpr MplsLabel none() noexcept { return MplsLabel(); }
 
-  [[nodiscard]] constexpr std::uint32_t value() const noexcept { return value_; }
   // True for a label, false for "no label".
   [[nodiscard]] constexpr bool isValid() const noexcept { return value_ <= kMaxLabel; }
 
@@ -31,20 +32,10 @@ class MplsLabel {
   [[nodiscard]] std::string toString() const;
   // A decimal number that fits in 32 bits (above the largest label: no label), or "none".
   [[nodiscard]] static std::optional<MplsLabel> fromString(std::string_view text);
-  // The bare decimal number that valueToStrep prints (1048576 for no label).
-  [[nodiscard]] static std::optional<MplsLabel> fromStrep(std::string_view text);
-
-  [[nodiscard]] std::uint32_t hash(std::uint32_t seed) const noexcept;
-  friend constexpr bool operator==(MplsLabel a, MplsLabel b) noexcept = default;
-  // Numeric; "no label" after every label.
-  friend constexpr std::strong_ordering operator<=>(MplsLabel a, MplsLabel b) noexcept = default;
+  // Hash, equality, order (numeric; "no label" after every label) and the bare decimal text form
+  // (1048576 for no label) come from the number.
   friend std::ostream& operator<<(std::ostream& os, MplsLabel l) { return os << l.toString(); }
-
- private:
-  std::uint32_t value_ = kNoLabel;
 };
-
-[[nodiscard]] std::string valueToStrep(MplsLabel l);
 
 }  // namespace Ondex
 

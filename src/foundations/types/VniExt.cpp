@@ -3,7 +3,6 @@
 #include <type_traits>
 
 #include "foundations/runtime/Exception.h"
-#include "foundations/runtime/Hash.h"
 #include "foundations/runtime/ValueText.h"
 
 namespace Vxlan {
@@ -19,8 +18,6 @@ std::optional<VniExt> VniExt::fromString(std::string_view text) {
   return VniExt(*n);
 }
 
-std::uint32_t VniExt::hash(std::uint32_t seed) const noexcept { return Zel::HashBuilder(seed).add(value_).value(); }
-
 std::string VniExtOrNone::toString() const { return isNone() ? "none" : std::to_string(value_); }
 
 std::optional<VniExtOrNone> VniExtOrNone::fromString(std::string_view text) {
@@ -28,17 +25,5 @@ std::optional<VniExtOrNone> VniExtOrNone::fromString(std::string_view text) {
   return fromStrep(text);
 }
 
-std::optional<VniExtOrNone> VniExtOrNone::fromStrep(std::string_view text) {
-  auto n = Zel::ValueText::parseUnsigned<std::uint32_t>(text);
-  if (!n) return std::nullopt;
-  return VniExtOrNone(*n);
-}
-
-std::uint32_t VniExtOrNone::hash(std::uint32_t seed) const noexcept {
-  return Zel::HashBuilder(seed).add(value_).value();
-}
-
-std::string valueToStrep(VniExt v) { return std::to_string(v.value()); }
-std::string valueToStrep(VniExtOrNone v) { return std::to_string(v.value()); }
 
 }  // namespace Vxlan

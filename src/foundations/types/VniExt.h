@@ -13,48 +13,44 @@
 
 #include <fmt/ostream.h>
 
+#include "foundations/runtime/NumberValue.h"
+
 namespace Vxlan {
 
-class VniExt {
+class VniExt : public Zel::NumberValue<VniExt, std::uint32_t> {
  public:
   static constexpr std::uint32_t kMin = 1;
   static constexpr std::uint32_t kMax = 0xffffff;
 
   // Outside kMin..kMax raises Zel::RangeException
   // ("Vxlan::VniExt::value < Vxlan::VniExt::min or > Vxlan::VniExt::max not allowed").
-  constexpr explicit VniExt(std::uint32_t value) : value_(value) {
+  constexpr explicit VniExt(std::uint32_t value) : NumberValue(value) {
     if (!inRange(value)) throwOutOfRange();
   }
 
-  [[nodiscard]] constexpr std::uint32_t value() const noexcept { return value_; }
   [[nodiscard]] static constexpr bool inRange(std::uint32_t value) noexcept { return value >= kMin && value <= kMax; }
 
   // A decimal number in range; nothing for anything else, never raises.
   [[nodiscard]] static std::optional<VniExt> fromString(std::string_view text);
-  // The bare decimal number that valueToStrep prints.
+  // The bare decimal number that valueToStrep prints, in range.
   [[nodiscard]] static std::optional<VniExt> fromStrep(std::string_view text) { return fromString(text); }
 
-  [[nodiscard]] std::uint32_t hash(std::uint32_t seed) const noexcept;
-  friend constexpr bool operator==(VniExt a, VniExt b) noexcept = default;
-  friend constexpr std::strong_ordering operator<=>(VniExt a, VniExt b) noexcept = default;
+  // Hash, equality, order and the text form come from the number.
   friend std::ostream& operator<<(std::ostream& os, VniExt v) { return os << v.value_; }
 
  private:
   [[noreturn]] static void throwOutOfRange();
-
-  std::uint32_t value_;
 };
 
-class VniExtOrNone {
+class VniExtOrNone : public Zel::NumberValue<VniExtOrNone, std::uint32_t> {
  public:
   static constexpr std::uint32_t kNone = 0xffffffff;
 
-  constexpr VniExtOrNone() noexcept = default;
-  constexpr explicit VniExtOrNone(std::uint32_t value) noexcept : value_(value) {}
-  constexpr VniExtOrNone(VniExt vni) noexcept : value_(vni.value()) {}  // NOLINT: a VNI is a VNI-or-none
+  constexpr VniExtOrNone() noexcept : NumberValue(kNone) {}
+  constexpr explicit VniExtOrNone(std::uint32_t value) noexcept : NumberValue(value) {}
+  constexpr VniExtOrNone(VniExt vni) noexcept : NumberValue(vni.value()) {}  // NOLINT: a VNI is a VNI-or-none
   [[nodiscard]] static constexpr VniExtOrNone none() noexcept { return VniExtOrNone(); }
 
-  [[nodiscard]] constexpr std::uint32_t value() const noexcept { return value_; }
   [[nodiscard]] constexpr bool isNone() const noexcept { return value_ == kNone; }
   // True when there is a VNI.
   constexpr explicit operator bool() const noexcept { return !isNone(); }
@@ -65,21 +61,10 @@ class VniExtOrNone {
   [[nodiscard]] std::string toString() const;
   // A decimal number that fits in 32 bits, or "none".
   [[nodiscard]] static std::optional<VniExtOrNone> fromString(std::string_view text);
-  // The bare decimal number that valueToStrep prints (4294967295 for none).
-  [[nodiscard]] static std::optional<VniExtOrNone> fromStrep(std::string_view text);
-
-  [[nodiscard]] std::uint32_t hash(std::uint32_t seed) const noexcept;
-  friend constexpr bool operator==(VniExtOrNone a, VniExtOrNone b) noexcept = default;
-  // Numeric; none after every VNI.
-  friend constexpr std::strong_ordering operator<=>(VniExtOrNone a, VniExtOrNone b) noexcept = default;
+  // Hash, equality, order (numeric; none after every VNI) and the bare decimal text form
+  // (4294967295 for none) come from the number.
   friend std::ostream& operator<<(std::ostream& os, VniExtOrNone v) { return os << v.toString(); }
-
- private:
-  std::uint32_t value_ = kNone;
 };
-
-[[nodiscard]] std::string valueToStrep(VniExt v);
-[[nodiscard]] std::string valueToStrep(VniExtOrNone v);
 
 }  // namespace Vxlan
 

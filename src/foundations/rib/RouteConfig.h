@@ -25,7 +25,7 @@ class RouteConfig : public Zel::Entity {
 
   [[nodiscard]] static Quill::Ptr<RouteConfig> RouteConfigIs();
 
-  static constexpr Zel::AttrId routeId = 130;
+  ZEL_ATTR_ID(route, 130);
   // The route of a key; the default route of that key when absent.
   [[nodiscard]] Route route(RouteKey const& k) const {
     Route::Body const* b = routes_.find(k);

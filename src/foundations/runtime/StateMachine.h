@@ -144,7 +144,9 @@ struct Reconcile {
     auto& nested = o->*Member;
     using K = typename std::remove_reference_t<decltype(nested)>::Key;
     K const& k = *static_cast<K const*>(key);
-    auto const* elem = input.zelColl(AttrTag<Id>{}).find(k);
+    auto const& coll = input.zelColl(AttrTag<Id>{});
+    nested.orderLike(coll);
+    auto const* elem = coll.find(k);
     if (elem)
       nested.is(k, *elem);
     else
@@ -154,6 +156,7 @@ struct Reconcile {
   static void reconcileAll(Owner* o, Input const& input) {
     auto& nested = o->*Member;
     auto const& coll = input.zelColl(AttrTag<Id>{});
+    nested.orderLike(coll);
     for (auto it = coll.iterator(); it; it.advance()) nested.is(it.key(), it.value());
     for (auto it = nested.map().iterator(); it; it.advance()) {
       auto const k = it.currNodeMaybeStale();
@@ -256,6 +259,15 @@ class NestedMap final : public SmMember {
     return p ? *p : Quill::Ptr<N>();
   }
   [[nodiscard]] Map const& map() const noexcept { return map_; }
+  // The machines of a collection are kept in the collection's own order (while there are none, the
+  // map takes the collection's seed): a walk of the one then meets the other's elements in the same
+  // order, instead of a cold look-up per element.
+  template <class C>
+  void orderLike(C const& coll) {
+    if constexpr (requires { coll.seed(); }) {
+      if (map_.empty() && map_.seed() != coll.seed()) map_ = Map(coll.seed() ^ HashHelper::hashSeed32());
+    }
+  }
 
   // Creates the machine of a new element, or points the existing one at the element.
   template <class E>

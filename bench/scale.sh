@@ -55,13 +55,8 @@ route_files:
 steps:
   - settle
 YAML
-cat > base.yaml <<'YAML'
-interfaces:
-  - {name: Ethernet1, addresses: [192.168.1.2/24]}
-route_files:
-  - {path: v4.txt}
-steps:
-  - settle
+# The same load, then its one next hop unresolved and resolved again, then an agent restart.
+{ cat load.yaml; cat <<'YAML'; } > base.yaml
   - rib: {nexthop: 192.168.1.1, state: unresolved}
   - settle
   - rib: {nexthop: 192.168.1.1, state: clear}

@@ -55,8 +55,10 @@ class NumberValue {
     }
   }
   [[nodiscard]] static std::optional<Derived> fromStrep(std::string_view text) {
+    // Lives as long as the text may point into it: a quoted name is read unquoted.
+    std::optional<std::string> unquoted;
     if constexpr (requires { Derived::kNames; }) {
-      std::optional<std::string> const unquoted = ValueText::unquote(text);
+      unquoted = ValueText::unquote(text);
       if (unquoted) text = *unquoted;
       for (auto const& [name, number] : Derived::kNames) {
         if (text == name) return Derived(number);
